@@ -1,0 +1,19 @@
+#include "platform/clock.h"
+
+#include <chrono>
+
+int64_t clockSteadyNs()
+{
+    // The same clock on which threadWaitUntil waits.
+    using namespace std::chrono;
+    return duration_cast<nanoseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+clockDate clockTodayUTC()
+{
+    using namespace std::chrono;
+    const year_month_day today{floor<days>(system_clock::now())};
+    return {static_cast<uint16_t>(static_cast<int>(today.year())),
+            static_cast<uint8_t>(static_cast<unsigned>(today.month())),
+            static_cast<uint8_t>(static_cast<unsigned>(today.day()))};
+}

@@ -1,0 +1,40 @@
+// A value of the settings' store in words, as a person reads and edits it:
+//
+//     dword 4003                 32 bits
+//     qword 123                  64 bits
+//     text "COM3"                UTF-16 with one terminating zero
+//     binary 01 02 ff            any bytes
+//     raw 7 41 00                the type's number and the bytes, for everything that the other forms would
+//     change
+//
+// Within quotes, \\ \" \n \r \t stand for what they usually do, and \x with two digits for another control
+// character.
+#pragma once
+
+#include "platform/registry.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct registryValue {
+    registryType Type = registryType::Binary;
+    std::vector<uint8_t> Data;
+};
+
+std::string registryFormat(const registryValue& value);
+
+// Nothing for what is no value.
+std::optional<registryValue> registryParse(std::string_view text);
+
+// Whether all of a text is well-formed UTF-8 without a NUL.
+bool registryIsUTF8(std::string_view text);
+
+std::string registryQuote(std::string_view text);
+
+// Takes a quoted text and the blanks behind it off the front of `text`; nothing when there is none.
+std::optional<std::string> registryUnquote(std::string_view& text);
+
+// The text without blanks at its ends.
+std::string_view registryTrim(std::string_view text);
