@@ -1,0 +1,47 @@
+# How a folder becomes a target. A new file in a folder is built without a word here.
+
+# sky_library(NAME [LIBRARIES ...]): a static library of the sources beside the calling CMakeLists.txt, or below it in
+# FOLDER.
+function(sky_library name)
+  cmake_parse_arguments(arg "OBJECT" "FOLDER" "LIBRARIES" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${arg_FOLDER}/*.cpp")
+  if(arg_OBJECT)
+    add_library(${name} OBJECT ${sources})
+  else()
+    add_library(${name} STATIC ${sources})
+  endif()
+  target_link_libraries(${name} PUBLIC sky_options ${arg_LIBRARIES})
+endfunction()
+
+# sky_program(NAME SOURCES ... [PLATFORM native|fake] LIBRARIES ...): an executable on one platform. The platform's
+# objects are linked whole, so the libraries may call it in any order.
+function(sky_program name)
+  cmake_parse_arguments(arg "" "PLATFORM" "SOURCES;LIBRARIES" ${ARGN})
+  if(NOT arg_PLATFORM)
+    set(arg_PLATFORM native)
+  endif()
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE sky_options platform_${arg_PLATFORM} ${arg_LIBRARIES})
+endfunction()
+
+# sky_test(NAME FOLDERS ... [PLATFORM native|fake] LIBRARIES ...): a GoogleTest program of all sources in some folders,
+# run by CTest as one test. Its counts are left in results/NAME.json.
+function(sky_test name)
+  cmake_parse_arguments(arg "" "PLATFORM;TIMEOUT" "FOLDERS;LIBRARIES" ${ARGN})
+  set(sources)
+  foreach(folder IN LISTS arg_FOLDERS)
+    file(GLOB found CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp")
+    list(APPEND sources ${found})
+  endforeach()
+  sky_program(${name} PLATFORM ${arg_PLATFORM} SOURCES ${sources} LIBRARIES ${arg_LIBRARIES} gmock gtest_main)
+  # Half of the time that a test takes to build goes into making it fast, for which there is no need.
+  target_compile_options(${name} PRIVATE -O0)
+  add_test(NAME ${name} COMMAND ${name} --gtest_output=json:${CMAKE_BINARY_DIR}/results/${name}.json)
+  if(NOT arg_TIMEOUT)
+    set(arg_TIMEOUT 240)
+  endif()
+  set_tests_properties(${name} PROPERTIES
+    TIMEOUT ${arg_TIMEOUT}
+    # Tests write no setting of the person who runs them.
+    ENVIRONMENT "XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/config;TSAN_OPTIONS=halt_on_error=1;UBSAN_OPTIONS=print_stacktrace=1")
+endfunction()
