@@ -24,10 +24,14 @@ function(sky_program name)
   target_link_libraries(${name} PRIVATE sky_options platform_${arg_PLATFORM} ${arg_LIBRARIES})
 endfunction()
 
-# sky_test(NAME FOLDERS ... [PLATFORM native|fake] LIBRARIES ...): a GoogleTest program of all sources in some folders,
-# run by CTest as one test. Its counts are left in results/NAME.json.
+# All tests that run several threads at once.
+add_custom_target(threaded_tests)
+
+# sky_test(NAME FOLDERS ... [PLATFORM native|fake] [THREADED] LIBRARIES ...): a GoogleTest program of all sources in some
+# folders, run by CTest as one test. Its counts are left in results/NAME.json. One that is THREADED is also built and run
+# under the thread sanitizer.
 function(sky_test name)
-  cmake_parse_arguments(arg "" "PLATFORM;TIMEOUT" "FOLDERS;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(arg "THREADED" "PLATFORM;TIMEOUT" "FOLDERS;LIBRARIES" ${ARGN})
   set(sources)
   foreach(folder IN LISTS arg_FOLDERS)
     file(GLOB found CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp")
@@ -39,6 +43,10 @@ function(sky_test name)
   add_test(NAME ${name} COMMAND ${name} --gtest_output=json:${CMAKE_BINARY_DIR}/results/${name}.json)
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 240)
+  endif()
+  if(arg_THREADED)
+    add_dependencies(threaded_tests ${name})
+    set_tests_properties(${name} PROPERTIES LABELS threaded)
   endif()
   set_tests_properties(${name} PROPERTIES
     TIMEOUT ${arg_TIMEOUT}

@@ -1,5 +1,6 @@
-#include "foundations/fatal/crashFatal.h"
 #include "foundations/heap/memHeap.h"
+
+#include "foundations/fatal/crashFatal.h"
 
 #include <algorithm>
 

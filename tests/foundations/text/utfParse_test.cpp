@@ -152,6 +152,15 @@ TEST_F(utfParseFltTest, StaysWithinTheTextWhenTheLocaleHasNoPoint)
     EXPECT_EQ(parse("1.5"), (parsed{1.5, ""}));
 }
 
+TEST_F(utfParseFltTest, RoundsTheMantissaBeforeItIsScaled)
+{
+    // From 2^52 on the half that is added for rounding makes odd mantissas even.
+    double unit = 1;
+    for (int decimal = 0; decimal < 16; ++decimal)
+        unit *= 0.1;
+    EXPECT_EQ(parse("0.4503599627370497").Value, 4503599627370498.0 * unit);
+}
+
 TEST_F(utfParseFltTest, OverflowsToInfinityAndUnderflowsToZero)
 {
     EXPECT_EQ(parse(std::string(400, '9')).Value, Infinity);
