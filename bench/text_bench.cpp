@@ -32,8 +32,8 @@ void Messages(benchmark::State& state, const Body& append)
     }
 }
 
-// Every road ends in the same string, since that is where the numbers are wanted.
-// `print` is a call of snprintf with a format that the compiler can check.
+// `print` is a call of snprintf with a format that the compiler can check. Like every candidate it ends in
+// the string, since that is where the numbers are wanted.
 template <class Print>
 void Printed(std::string& text, const Print& print)
 {

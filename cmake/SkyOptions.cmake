@@ -22,7 +22,7 @@ target_include_directories(sky_options INTERFACE "${CMAKE_SOURCE_DIR}")
 target_link_libraries(sky_options INTERFACE Threads::Threads)
 target_compile_options(sky_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wcast-align
-  -Wnon-virtual-dtor -Woverloaded-virtual -Wnull-dereference -Wformat=2 -Werror
+  -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2 -Werror
   # Results must not depend on which instructions the compiler finds.
   -ffp-contract=off
   -fno-rtti)

@@ -61,9 +61,10 @@ public:
     std::string Root;        // registry: key path below the current user; text: the file
     std::string Section;     // first level of the name; may be empty
 
+    settings(const settings&) = delete;
+    settings& operator=(const settings&) = delete;
+
 protected:
     settings() = default;
     ~settings() = default;
-    settings(const settings&) = delete;
-    settings& operator=(const settings&) = delete;
 };

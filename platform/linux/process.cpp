@@ -80,6 +80,7 @@ processHandle* processStart(const std::vector<std::string>& arguments)
         return nullptr;
     // The system's call takes pointers to what it leaves unchanged.
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments)
         pointers.push_back(const_cast<char*>(argument.c_str()));
     pointers.push_back(nullptr);

@@ -34,8 +34,9 @@ std::string Followed(std::string path)
         const ssize_t length = readlink(path.c_str(), target, sizeof(target));
         if (length < 0)
             return path;
-        const std::string next(target, static_cast<size_t>(length));
-        path = next.starts_with('/') ? next : fileFolderOf(path) + '/' + next;
+        const std::string_view next(target, static_cast<size_t>(length));
+        path = next.starts_with('/') ? std::string() : fileFolderOf(path) + '/';
+        path += next;
     }
     return {};
 }

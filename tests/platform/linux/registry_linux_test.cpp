@@ -10,7 +10,9 @@
 
 #include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 namespace {
@@ -42,6 +44,18 @@ unsigned RightsOf(const std::filesystem::path& path)
 {
     struct stat state = {};
     return stat(path.c_str(), &state) == 0 ? state.st_mode & 07777u : 0;
+}
+
+// Something that even an administrator cannot open.
+void MakeSocket(const std::filesystem::path& path)
+{
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    ASSERT_LT(path.string().size(), sizeof(address.sun_path));
+    path.string().copy(address.sun_path, sizeof(address.sun_path) - 1);
+    const int made = socket(AF_UNIX, SOCK_STREAM, 0);
+    EXPECT_EQ(bind(made, reinterpret_cast<const sockaddr*>(&address), sizeof(address)), 0);
+    close(made);
 }
 
 class registryLinux : public testing::Test
@@ -177,6 +191,11 @@ TEST_F(registryLinux, DoesNotReplaceWhatItCannotRead)
     ASSERT_EQ(mkfifo(Configuration.Store().c_str(), 0600), 0);
     EXPECT_FALSE(SetNumber("Server port", 1));
     EXPECT_TRUE(std::filesystem::is_fifo(Configuration.Store()));
+
+    std::filesystem::remove(Configuration.Store());
+    MakeSocket(Configuration.Store());
+    EXPECT_FALSE(SetNumber("Server port", 1));
+    EXPECT_TRUE(std::filesystem::is_socket(Configuration.Store()));
 }
 
 TEST_F(registryLinux, DoesNotReplaceAFileThatIsTooLarge)
