@@ -50,14 +50,6 @@ fileStatus openFile(const std::u16string& path, const fileAccess& access, DWORD 
     return fileStatus::Ok;
 }
 
-OVERLAPPED position(uint64_t offset)
-{
-    OVERLAPPED where = {};
-    where.Offset = static_cast<DWORD>(offset);
-    where.OffsetHigh = static_cast<DWORD>(offset >> 32);
-    return where;
-}
-
 DWORD lowHalf(uint64_t value)
 {
     return static_cast<DWORD>(value);
@@ -66,6 +58,14 @@ DWORD lowHalf(uint64_t value)
 DWORD highHalf(uint64_t value)
 {
     return static_cast<DWORD>(value >> 32);
+}
+
+OVERLAPPED position(uint64_t offset)
+{
+    OVERLAPPED where = {};
+    where.Offset = lowHalf(offset);
+    where.OffsetHigh = highHalf(offset);
+    return where;
 }
 
 std::optional<WIN32_FILE_ATTRIBUTE_DATA> attributesOf(const std::u16string& path)

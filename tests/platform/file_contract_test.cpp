@@ -111,6 +111,7 @@ TEST_F(fileContract, OpensNoFileThatIsMissing)
     for (const fileAccess& access : {Read, Write, Alone, WriteAlone})
         EXPECT_EQ(Open(u"missing", access, fileStatus::Missing), fileNone);
     EXPECT_FALSE(fileExists(Path(u"missing")));
+    EXPECT_EQ(fileSizeOf(Path(u"missing")), std::nullopt);
 }
 
 TEST_F(fileContract, MakesNoFileOfATakenName)
@@ -429,11 +430,6 @@ TEST_F(fileContract, MakesOneFolderAtATime)
     EXPECT_EQ(fileSizeOf(Path(u"a/b")), std::nullopt);
     Put(u"file", "");
     EXPECT_FALSE(fileMakeFolder(Path(u"file")));
-}
-
-TEST_F(fileContract, KnowsTheSizeOfNothingThatIsMissing)
-{
-    EXPECT_EQ(fileSizeOf(Path(u"missing")), std::nullopt);
 }
 
 TEST_F(fileContract, ReadsAndWritesPastTheCache)

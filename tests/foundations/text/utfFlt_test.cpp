@@ -260,8 +260,8 @@ TEST_F(utfFltTest, AgreesWithThePlainRules)
         1e300,    1e308,    DBL_MAX,    -DBL_MAX,   DBL_MIN, DBL_TRUE_MIN, 1e-10, NotANumber,
         Infinity, -Infinity};
     for (const double value : values) {
-        for (const char conversion : Conversions) {
-            for (const int digits : Digits) {
+        for (const char conversion : {'f', 'e', 'g'}) {
+            for (const int digits : {-1, 0, 1, 2, 6, 8, 17}) {
                 for (unsigned flags = 0; flags < 1u << std::size(FieldFlags); ++flags) {
                     for (const int width : Widths)
                         ASSERT_TRUE(agrees(descriptor(conversion, value, flags, width, digits)));
@@ -275,7 +275,7 @@ TEST_F(utfFltTest, AgreesWithThePlainRulesForRandomNumbers)
 {
     std::mt19937_64 random(3);
     const auto pick = [&](const auto& choices) { return choices[random() % std::size(choices)]; };
-    for (int index = 0; index < 100000; ++index) {
+    for (int index = 0; index < 60000; ++index) {
         const auto flags = static_cast<unsigned>(random() % (1u << std::size(FieldFlags)));
         const double anyBits = std::bit_cast<double>(random());
         const double everyday = static_cast<double>(static_cast<int64_t>(random())) *
@@ -303,7 +303,7 @@ TEST_F(utfFltTest, AgreesWithThePlainRulesAroundPowersOfTen)
 TEST_F(utfFltTest, WritesOnlyDigitsWhateverTheNumber)
 {
     std::mt19937_64 random(4);
-    for (int index = 0; index < 100000; ++index) {
+    for (int index = 0; index < 50000; ++index) {
         const double value = std::bit_cast<double>(random());
         if (!std::isfinite(value))
             continue;

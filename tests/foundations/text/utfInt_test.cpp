@@ -173,14 +173,14 @@ TEST(utfInt, AgreesWithThePlainRules)
                                     static_cast<uint64_t>(Smallest),
                                     static_cast<uint64_t>(Smallest) - 1};
     std::mt19937_64 random(1);
-    for (int index = 0; index < 20; ++index)
+    for (int index = 0; index < 12; ++index)
         values.push_back(random() >> random() % 64);
 
     for (const uint64_t value : values) {
         for (const char conversion : {'d', 'i', 'u', 'x', 'X', 'o', 'b', '?'}) {
             for (unsigned bits = 0; bits < 1u << std::size(FieldFlags); ++bits) {
                 for (const int width : {-1, 0, 1, 5, 12, 40}) {
-                    for (const int digits : {-1, 0, 1, 2, 8, 30, 70}) {
+                    for (const int digits : {-1, 0, 1, 8, 70}) {
                         utfInt number(conversion, value, digits);
                         number.Width = width;
                         number.Flags = flagSet(bits);

@@ -31,7 +31,7 @@ TEST_F(win32Locale, HasEverySeparator)
 
 TEST_F(win32Locale, HasWordsForTheSystemsErrors)
 {
-    // A full disk, a port in use, a handle that is none.
+    // A full disk, no rights, a handle that is none.
     for (const uint32_t code : {112u, 5u, 6u})
         EXPECT_GT(localeErrorText(code).size(), 3u) << code;
     EXPECT_EQ(localeErrorText(0xDEADBEEF), "");

@@ -1,5 +1,6 @@
 #include "platform/registry.h"
 
+#include "foundations/settings/settingsReg.h"
 #include "tests/platform/contract.h"
 
 #include <cstdlib>
@@ -97,6 +98,36 @@ TEST_F(win32Registry, ReadsWhatTheSystemsOwnProgramWrites)
     EXPECT_EQ(Query(path, "Text", registryType::Text), Stored("one of theirs"));
     EXPECT_EQ(Query(path, "Number", registryType::Dword), "\x78\x56\x34\x12");
     EXPECT_EQ(Query(path, "Bytes", registryType::Binary), std::string("\0\xFF\x10", 3));
+}
+
+TEST_F(win32Registry, SettingsAreReadByTheSystemsOwnProgram)
+{
+    settingsReg store;
+    store.Root = ContractKey;
+    const std::string port = "COM3 \xC2\xB5";
+    const int32_t number = 4003;
+    store.SetText("Serial port", &port, 1);
+    store.SetInt32("Server port", &number, 1);
+    EXPECT_NE(Reg("query " + HiveKey() + " /v \"Serial port\"").find("COM3"), std::string::npos);
+    EXPECT_NE(Reg("query " + HiveKey() + " /v \"Server port\"").find("0xfa3"), std::string::npos);
+}
+
+TEST_F(win32Registry, SettingsReadWhatTheSystemsOwnProgramWrites)
+{
+    Reg("add " + HiveKey() + " /v \"Serial port\" /d COM7 /f");
+    Reg("add " + HiveKey() + " /v \"Server port\" /t REG_DWORD /d 5000 /f");
+    Reg("add " + HiveKey() + " /v \"Server enabled\" /t REG_DWORD /d 1 /f");
+    settingsReg store;
+    store.Root = ContractKey;
+    std::string port;
+    int32_t number = 0;
+    bool enabled = false;
+    store.GetText("Serial port", &port, 1);
+    store.GetInt32("Server port", &number, 1);
+    store.GetBool("Server enabled", &enabled, 1);
+    EXPECT_EQ(port, "COM7");
+    EXPECT_EQ(number, 5000);
+    EXPECT_TRUE(enabled);
 }
 
 TEST_F(win32Registry, RemovesForTheSystemsOwnProgramToo)

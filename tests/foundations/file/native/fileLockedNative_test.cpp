@@ -227,7 +227,7 @@ TEST_F(fileLockedNative, CutsAndReadsBackWhatItWrote)
 
 TEST_F(fileLockedNative, WritesInTheBackgroundWhileOthersRead)
 {
-    constexpr uint64_t Records = 500;
+    constexpr uint64_t Records = 200;
     constexpr uint64_t Record = 8;
     fileLocked file(within(Folder, "file"), fileLocked::ModeWrite | fileLocked::Background);
     std::atomic<uint64_t> seen{0};

@@ -169,6 +169,7 @@ TEST_F(settingsTextNative, LeavesTheOldTheNewOrABeginningOfItWheneverTheWriterDi
         const size_t digits = fileOf(0).find('0', keyOf(0).size() + fileOf(0).find(keyOf(0)));
         const int number = bytes.size() > digits ? std::atoi(bytes.c_str() + digits) : 0;
         EXPECT_TRUE(fileOf(number).starts_with(bytes)) << bytes.substr(0, 100) << "... " << bytes.size();
+        Store.RestoreFile();
         EXPECT_EQ(content(Path), bytes.empty() ? fileOf(0) : bytes);
     }
 }

@@ -50,18 +50,18 @@ TEST(thrSpinNative, LosesNoWaiterWhenTheHolderIsSlow)
     thrSpin spin;
     int entries = 0;
     onThreads(6, [&](int) {
-        for (int round = 0; round < 300; ++round) {
+        for (int round = 0; round < 40; ++round) {
             const thrSpinHold hold(spin);
             ++entries;
             threadYield();
         }
     });
-    EXPECT_EQ(entries, 6 * 300);
+    EXPECT_EQ(entries, 6 * 40);
 }
 
 TEST(thrSpinNative, IsGoneSafelyOnceTheLastUserHasLeft)
 {
-    for (int round = 0; round < 500; ++round) {
+    for (int round = 0; round < 100; ++round) {
         auto spin = std::make_unique<thrSpin>();
         bool other = false;
         std::jthread thread([&] {
@@ -79,7 +79,7 @@ TEST(thrSpinNative, IsGoneSafelyOnceTheLastUserHasLeft)
 
 TEST(thrGateNative, PlaysPingPong)
 {
-    constexpr int Rounds = 5'000;
+    constexpr int Rounds = 500;
     thrGate ping;
     thrGate pong;
     int ball = 0;
@@ -100,7 +100,7 @@ TEST(thrGateNative, PlaysPingPong)
 TEST(thrGateNative, LosesNoWakeOfManyWakers)
 {
     constexpr int Wakers = 4;
-    constexpr int Rounds = 5'000;
+    constexpr int Rounds = 500;
     thrGate gate;
     std::atomic<int> given{0};
     int taken = 0;
