@@ -40,7 +40,9 @@ function(sky_test name)
   sky_program(${name} PLATFORM ${arg_PLATFORM} SOURCES ${sources} LIBRARIES ${arg_LIBRARIES} gmock gtest_main)
   # Half of the time that a test takes to build goes into making it fast, for which there is no need.
   target_compile_options(${name} PRIVATE -O0)
-  add_test(NAME ${name} COMMAND ${name} --gtest_output=json:${CMAKE_BINARY_DIR}/results/${name}.json)
+  # The results' path is relative: what is absolute here is not so for a Windows program.
+  add_test(NAME ${name} COMMAND ${name} --gtest_output=json:results/${name}.json
+           WORKING_DIRECTORY "${CMAKE_BINARY_DIR}")
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 240)
   endif()

@@ -28,16 +28,26 @@ protected:
     // A wait on a thread of its own.
     struct waiter {
         waiter(thrEvent& event, uint32_t milliseconds)
-            : Thread([this, &event, milliseconds] {
+            : Event(event), Thread([this, &event, milliseconds] {
                   Signalled = event.Wait(milliseconds);
                   Done = true;
               })
         {}
+        // A test that has failed leaves nobody waiting.
+        ~waiter()
+        {
+            await([this] {
+                if (!Done)
+                    Event.Signal();
+                return Done.load();
+            });
+        }
         bool AwaitDone() const
         {
             return await([this] { return Done.load(); });
         }
 
+        thrEvent& Event;
         std::atomic<bool> Signalled{false};
         std::atomic<bool> Done{false};
         std::jthread Thread;
