@@ -1,0 +1,227 @@
+#include "bench/gnssStreams.h"
+
+#include <bit>
+#include <cstdio>
+#include <string>
+
+namespace {
+
+constexpr size_t StreamSize = 256 * 1024;
+
+template <class Epoch>
+gnssStream Repeat(Epoch epoch)
+{
+    gnssStream stream;
+    for (unsigned second = 0; stream.size() < StreamSize; second++)
+        epoch(stream, second);
+    return stream;
+}
+
+// --- NMEA
+
+void Sentence(gnssStream& stream, const std::string& body)
+{
+    unsigned sum = 0;
+    for (const char letter : body)
+        sum ^= static_cast<unsigned char>(letter);
+    char end[8];
+    std::snprintf(end, sizeof end, "*%02X\r\n", sum);
+    const std::string whole = "$" + body + end;
+    stream.insert(stream.end(), whole.begin(), whole.end());
+}
+
+template <class... Arguments>
+std::string Text(const char* format, Arguments... arguments)
+{
+    char buffer[128];
+    std::snprintf(buffer, sizeof buffer, format, arguments...);
+    return buffer;
+}
+
+// Ten satellites of one constellation, four in a sentence.
+void Gsv(gnssStream& stream, const char* talker, unsigned first, unsigned second, unsigned signal)
+{
+    for (unsigned part = 0; part < 3; part++) {
+        std::string body = Text("%sGSV,3,%u,10", talker, part + 1);
+        for (unsigned sat = part * 4; sat < 10 && sat < part * 4 + 4; sat++)
+            body += Text(",%02u,%02u,%03u,%02u", first + sat, 5 + sat * 8, (sat * 35 + second) % 360,
+                         20 + (sat + second) % 30);
+        Sentence(stream, body + Text(",%u", signal));
+    }
+}
+
+void NmeaEpoch(gnssStream& stream, unsigned second)
+{
+    const std::string time = Text("%02u%02u%02u.00", second / 3600 % 24, second / 60 % 60, second % 60);
+    const std::string place = Text("4717.%05u,N,00834.%05u,E", 11'399 + second % 100, 91'512 + second % 50);
+    Sentence(stream, "GNRMC," + time + ",A," + place + ",0.004,77.52,201126,,,A,V");
+    Sentence(stream, "GNVTG,77.52,T,,M,0.004,N,0.008,K,A");
+    Sentence(stream, "GNGGA," + time + "," + place + ",1,24,0.56,499.6,M,48.0,M,,");
+    constexpr unsigned First[] = {1, 65, 1, 1};
+    for (unsigned system = 0; system < 4; system++) {
+        std::string body = "GNGSA,A,3";
+        for (unsigned sat = 0; sat < 12; sat++)
+            body += sat < 8 ? Text(",%02u", First[system] + sat) : ",";
+        Sentence(stream, body + Text(",1.05,0.56,0.88,%u", system + 1));
+    }
+    Gsv(stream, "GP", 1, second, 1);
+    Gsv(stream, "GL", 65, second, 1);
+    Gsv(stream, "GA", 1, second, 7);
+    Gsv(stream, "GB", 1, second, 1);
+    Sentence(stream, "GNGLL," + place + "," + time + ",A,A");
+}
+
+// --- UBX
+
+class ubxMessage
+{
+public:
+    ubxMessage(uint8_t messageClass, uint8_t id) : Bytes{messageClass, id, 0, 0} {}
+
+    ubxMessage& Put(uint64_t value, unsigned width)
+    {
+        for (unsigned place = 0; place < width; place++)
+            Bytes.push_back(static_cast<uint8_t>(value >> (8 * place)));
+        return *this;
+    }
+
+    void To(gnssStream& stream)
+    {
+        const size_t size = Bytes.size() - 4;
+        Bytes[2] = static_cast<uint8_t>(size);
+        Bytes[3] = static_cast<uint8_t>(size >> 8);
+        uint8_t sumA = 0;
+        uint8_t sumB = 0;
+        for (const uint8_t byte : Bytes) {
+            sumA = static_cast<uint8_t>(sumA + byte);
+            sumB = static_cast<uint8_t>(sumB + sumA);
+        }
+        stream.push_back(0xB5);
+        stream.push_back(0x62);
+        stream.insert(stream.end(), Bytes.begin(), Bytes.end());
+        stream.push_back(sumA);
+        stream.push_back(sumB);
+    }
+
+private:
+    gnssStream Bytes;
+};
+
+void UbxEpoch(gnssStream& stream, unsigned second)
+{
+    const uint64_t time = uint64_t{second} * 1000;
+    ubxMessage position(0x01, 0x02);
+    position.Put(time, 4).Put(85'000'000 + second, 4).Put(470'000'000 + second, 4).Put(500'000, 4);
+    position.Put(452'000, 4).Put(1200, 4).Put(1900, 4).To(stream);
+    ubxMessage dilution(0x01, 0x04);
+    dilution.Put(time, 4);
+    for (unsigned at = 0; at < 7; at++)
+        dilution.Put(100 + at, 2);
+    dilution.To(stream);
+    ubxMessage sats(0x01, 0x35);
+    sats.Put(time, 4).Put(1, 1).Put(40, 1).Put(0, 2);
+    for (unsigned sat = 0; sat < 40; sat++)
+        sats.Put(sat / 10 * 2, 1)
+            .Put(1 + sat % 10, 1)
+            .Put(20 + (sat + second) % 30, 1)
+            .Put(sat * 2, 1)
+            .Put(sat * 9, 2)
+            .Put(0, 2)
+            .Put(0x1F, 4);
+    sats.To(stream);
+    ubxMessage signals(0x01, 0x43);
+    signals.Put(time, 4).Put(0, 1).Put(70, 1).Put(0, 2);
+    for (unsigned at = 0; at < 70; at++)
+        signals.Put(at % 40 / 10 * 2, 1).Put(1 + at % 10, 1).Put(at < 40 ? 0 : 3, 1).Put(0, 5).Put(at, 8);
+    signals.To(stream);
+    ubxMessage date(0x01, 0x21);
+    date.Put(time, 4).Put(20, 4).Put(0, 4).Put(2026, 2).Put(11, 1).Put(20, 1).Put(12, 1).Put(0, 1);
+    date.Put(second % 60, 1).Put(7, 1).To(stream);
+    ubxMessage velocity(0x01, 0x12);
+    velocity.Put(time, 4).Put(0, 8).Put(0, 8).Put(120, 4).Put(second % 360 * 100'000, 4).Put(0, 8).To(stream);
+    ubxMessage(0x0D, 0x01).Put(time, 4).Put(0, 4).Put(1234, 4).Put(2400, 2).Put(0, 2).To(stream);
+}
+
+// --- TSIP
+
+class tsipPacket
+{
+public:
+    explicit tsipPacket(uint8_t id) : Bytes{id} {}
+
+    tsipPacket& Put(uint64_t value, unsigned width)
+    {
+        for (unsigned place = width; place > 0; place--)
+            Bytes.push_back(static_cast<uint8_t>(value >> (8 * (place - 1))));
+        return *this;
+    }
+
+    tsipPacket& Single(float value) { return Put(std::bit_cast<uint32_t>(value), 4); }
+    tsipPacket& Double(double value) { return Put(std::bit_cast<uint64_t>(value), 8); }
+
+    void To(gnssStream& stream) const
+    {
+        constexpr uint8_t DLE = 0x10;
+        constexpr uint8_t ETX = 0x03;
+        stream.push_back(DLE);
+        for (const uint8_t byte : Bytes) {
+            stream.push_back(byte);
+            if (byte == DLE)
+                stream.push_back(byte);
+        }
+        stream.push_back(DLE);
+        stream.push_back(ETX);
+    }
+
+private:
+    gnssStream Bytes;
+};
+
+void TsipSatellites(gnssStream& stream, unsigned second)
+{
+    tsipPacket levels(0x47);
+    levels.Put(8, 1);
+    for (unsigned sat = 0; sat < 8; sat++)
+        levels.Put(1 + sat * 3, 1).Single(30.0f + static_cast<float>((sat + second) % 20));
+    levels.To(stream);
+    for (unsigned sat = 0; sat < 8; sat++) {
+        tsipPacket tracking(0x5C);
+        tracking.Put(1 + sat * 3, 1).Put(sat << 3, 1).Put(2, 1).Put(0, 1).Single(42.5f);
+        tracking.Single(100.0f).Single(0.5f).Single(1.5f).Put(0, 4).To(stream);
+    }
+    tsipPacket selection(0x6D);
+    selection.Put(0x84, 1).Single(1.9f).Single(1.0f).Single(1.6f).Single(0.9f);
+    for (unsigned sat = 0; sat < 8; sat++)
+        selection.Put(1 + sat * 3, 1);
+    selection.To(stream);
+}
+
+void TsipEpoch(gnssStream& stream, unsigned second)
+{
+    tsipPacket primary(0x8F);
+    primary.Put(0xAB, 1).Put(432'000 + second, 4).Put(2400, 2).Put(18, 2).Put(3, 1);
+    primary.Put(second % 60, 1).Put(second / 60 % 60, 1).Put(12, 1).Put(20, 1).Put(11, 1).Put(2026, 2);
+    primary.To(stream);
+    tsipPacket supplemental(0x8F);
+    supplemental.Put(0xAC, 1).Put(7, 1).Put(0, 1).Put(100, 1).Put(0, 4).Put(0, 2).Put(0, 2).Put(0, 1);
+    supplemental.Put(0, 1).Put(0, 1).Put(0, 1).Single(12.5f).Single(0.25f).Put(0, 4).Single(0.0f);
+    supplemental.Single(38.5f).Double(0.82).Double(0.14).Double(499.6).Single(3.5f).Put(0, 4).To(stream);
+    TsipSatellites(stream, second);
+}
+
+}  // namespace
+
+gnssStream gnssStreamNMEA()
+{
+    return Repeat(NmeaEpoch);
+}
+
+gnssStream gnssStreamUBX()
+{
+    return Repeat(UbxEpoch);
+}
+
+gnssStream gnssStreamTSIP()
+{
+    return Repeat(TsipEpoch);
+}

@@ -1,0 +1,17 @@
+// Streams as receivers send them, about a quarter of a mebibyte each.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+using gnssStream = std::vector<uint8_t>;
+
+// Epochs of a receiver of all constellations: GGA, GLL, four GSA, GSV of 40 satellites with signal ids, RMC,
+// VTG.
+gnssStream gnssStreamNMEA();
+
+// NAV-POSLLH, NAV-DOP, NAV-SAT of 40, NAV-SIG of 70, NAV-TIMEUTC, NAV-VELNED, TIM-TP.
+gnssStream gnssStreamUBX();
+
+// Primary and supplemental timing, signal levels, satellite tracking and selection.
+gnssStream gnssStreamTSIP();
