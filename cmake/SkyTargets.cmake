@@ -38,8 +38,12 @@ function(sky_test name)
     list(APPEND sources ${found})
   endforeach()
   sky_program(${name} PLATFORM ${arg_PLATFORM} SOURCES ${sources} LIBRARIES ${arg_LIBRARIES} gmock gtest_main)
-  # Half of the time that a test takes to build goes into making it fast, for which there is no need.
-  target_compile_options(${name} PRIVATE -O0)
+  # Most of the time that a test takes to build goes into making its own code fast, checked and easy to step through, and
+  # there is no need: what it tests is built in full.
+  target_compile_options(${name} PRIVATE -O0 -g1)
+  if(SKY_SANITIZE MATCHES undefined)
+    target_compile_options(${name} PRIVATE -fno-sanitize=undefined)
+  endif()
   # The results' path is relative: what is absolute here is not so for a Windows program.
   add_test(NAME ${name} COMMAND ${name} --gtest_output=json:results/${name}.json
            WORKING_DIRECTORY "${CMAKE_BINARY_DIR}")

@@ -1,12 +1,9 @@
 #include "foundations/settings/settingsText.h"
 
-#include <algorithm>
-
 namespace {
 
 constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view LineEnd = "\r\n";
-constexpr std::string_view LineStops("\r\n\0", 3);
 constexpr std::string_view Blanks = " \t";
 constexpr std::string_view QuotedCharacters = "\t\r\n=\"\\";
 
@@ -19,20 +16,13 @@ bool isLineEnd(char character)
 // matter, but a bracket too many does.
 bool isHeader(std::string_view line)
 {
-    bool open = false;
-    bool close = false;
-    for (const char character : line) {
-        if (character == '[') {
-            if (open)
-                return false;
-            open = true;
-        } else if (character == ']') {
-            if (close || !open)
-                return false;
-            close = true;
-        }
-    }
-    return open && close;
+    const size_t open = line.find('[');
+    if (open == std::string_view::npos)
+        return false;
+    const size_t close = line.find(']');
+    return close != std::string_view::npos && open < close &&
+           line.find('[', open + 1) == std::string_view::npos &&
+           line.find(']', close + 1) == std::string_view::npos;
 }
 
 settingsText::Section makeSection(std::string_view header)
@@ -40,6 +30,13 @@ settingsText::Section makeSection(std::string_view header)
     const size_t open = header.find('[');
     const size_t close = header.find(']', open);
     return {std::string(header), {}, std::string(header.substr(open + 1, close - open - 1))};
+}
+
+size_t findLineStop(std::string_view bytes, size_t at)
+{
+    while (at < bytes.size() && bytes[at] != '\0' && !isLineEnd(bytes[at]))
+        ++at;
+    return at;
 }
 
 // How many bytes of a line's end stand at `at`: none before a NUL and at the end of the file.
@@ -134,7 +131,7 @@ std::vector<settingsText::Section> settingsText::Parse(std::string_view bytes)
             ++at;
             continue;
         }
-        const size_t end = std::min(bytes.find_first_of(LineStops, at), bytes.size());
+        const size_t end = findLineStop(bytes, at);
         const std::string_view line = bytes.substr(at, end - at);
         at = end + lineEndLength(bytes, end);
         if (isHeader(line)) {
