@@ -1,7 +1,6 @@
 #include "bench/gnssStreams.h"
 
 #include <bit>
-#include <cstdio>
 #include <string>
 
 namespace {
@@ -19,55 +18,60 @@ gnssStream Repeat(Epoch epoch)
 
 // --- NMEA
 
+// A number with at least so many digits.
+std::string Digits(unsigned value, unsigned width)
+{
+    std::string text = std::to_string(value);
+    text.insert(0, width > text.size() ? width - text.size() : 0, '0');
+    return text;
+}
+
 void Sentence(gnssStream& stream, const std::string& body)
 {
     unsigned sum = 0;
     for (const char letter : body)
         sum ^= static_cast<unsigned char>(letter);
-    char end[8];
-    std::snprintf(end, sizeof end, "*%02X\r\n", sum);
-    const std::string whole = "$" + body + end;
+    constexpr char hex[] = "0123456789ABCDEF";
+    const std::string whole = "$" + body + "*" + hex[sum >> 4] + hex[sum & 15] + "\r\n";
     stream.insert(stream.end(), whole.begin(), whole.end());
 }
 
-template <class... Arguments>
-std::string Text(const char* format, Arguments... arguments)
-{
-    char buffer[128];
-    std::snprintf(buffer, sizeof buffer, format, arguments...);
-    return buffer;
-}
-
 // Ten satellites of one constellation, four in a sentence.
-void Gsv(gnssStream& stream, const char* talker, unsigned first, unsigned second, unsigned signal)
+void Gsv(gnssStream& stream, const std::string& talker, unsigned first, unsigned second, char signal)
 {
     for (unsigned part = 0; part < 3; part++) {
-        std::string body = Text("%sGSV,3,%u,10", talker, part + 1);
+        std::string body = talker + "GSV,3," + Digits(part + 1, 1) + ",10";
         for (unsigned sat = part * 4; sat < 10 && sat < part * 4 + 4; sat++)
-            body += Text(",%02u,%02u,%03u,%02u", first + sat, 5 + sat * 8, (sat * 35 + second) % 360,
-                         20 + (sat + second) % 30);
-        Sentence(stream, body + Text(",%u", signal));
+            body += "," + Digits(first + sat, 2) + "," + Digits(5 + sat * 8, 2) + "," +
+                    Digits((sat * 35 + second) % 360, 3) + "," + Digits(20 + (sat + second) % 30, 2);
+        Sentence(stream, body + "," + signal);
     }
+}
+
+std::string GsaIds(unsigned first)
+{
+    std::string ids;
+    for (unsigned sat = 0; sat < 12; sat++)
+        ids += sat < 8 ? "," + Digits(first + sat, 2) : ",";
+    return ids;
 }
 
 void NmeaEpoch(gnssStream& stream, unsigned second)
 {
-    const std::string time = Text("%02u%02u%02u.00", second / 3600 % 24, second / 60 % 60, second % 60);
-    const std::string place = Text("4717.%05u,N,00834.%05u,E", 11'399 + second % 100, 91'512 + second % 50);
+    const std::string time =
+        Digits(second / 3600 % 24, 2) + Digits(second / 60 % 60, 2) + Digits(second % 60, 2) + ".00";
+    const std::string place =
+        "4717." + Digits(11'399 + second % 100, 5) + ",N,00834." + Digits(91'512 + second % 50, 5) + ",E";
     Sentence(stream, "GNRMC," + time + ",A," + place + ",0.004,77.52,201126,,,A,V");
     Sentence(stream, "GNVTG,77.52,T,,M,0.004,N,0.008,K,A");
     Sentence(stream, "GNGGA," + time + "," + place + ",1,24,0.56,499.6,M,48.0,M,,");
     constexpr unsigned First[] = {1, 65, 1, 1};
-    for (unsigned system = 0; system < 4; system++) {
-        std::string body = "GNGSA,A,3";
-        for (unsigned sat = 0; sat < 12; sat++)
-            body += sat < 8 ? Text(",%02u", First[system] + sat) : ",";
-        Sentence(stream, body + Text(",1.05,0.56,0.88,%u", system + 1));
-    }
-    Gsv(stream, "GP", 1, second, 1);
-    Gsv(stream, "GL", 65, second, 1);
-    Gsv(stream, "GA", 1, second, 7);
-    Gsv(stream, "GB", 1, second, 1);
+    for (unsigned system = 0; system < 4; system++)
+        Sentence(stream, "GNGSA,A,3" + GsaIds(First[system]) + ",1.05,0.56,0.88," + Digits(system + 1, 1));
+    Gsv(stream, "GP", 1, second, '1');
+    Gsv(stream, "GL", 65, second, '1');
+    Gsv(stream, "GA", 1, second, '7');
+    Gsv(stream, "GB", 1, second, '1');
     Sentence(stream, "GNGLL," + place + "," + time + ",A,A");
 }
 

@@ -3,7 +3,6 @@
 set(SKY_SANITIZE "" CACHE STRING "Sanitizers to build with, as -fsanitize= takes them")
 option(SKY_TESTS "Build the tests" ON)
 option(SKY_BENCH "Build the benchmarks" OFF)
-option(SKY_GNSS "Build the receiver decoders, whose tests are not complete yet" OFF)
 option(SKY_FUZZ "Build the fuzzers (clang only)" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
