@@ -8,12 +8,12 @@ namespace {
 constexpr size_t StreamSize = 256 * 1024;
 
 template <class Epoch>
-gnssStream Repeat(Epoch epoch)
+gnssEpochs Repeat(Epoch epoch)
 {
-    gnssStream stream;
-    for (unsigned second = 0; stream.size() < StreamSize; second++)
-        epoch(stream, second);
-    return stream;
+    gnssEpochs epochs;
+    while (epochs.Bytes.size() < StreamSize)
+        epoch(epochs.Bytes, epochs.Count++);
+    return epochs;
 }
 
 // --- NMEA
@@ -215,17 +215,17 @@ void TsipEpoch(gnssStream& stream, unsigned second)
 
 }  // namespace
 
-gnssStream gnssStreamNMEA()
+gnssEpochs gnssStreamNMEA()
 {
     return Repeat(NmeaEpoch);
 }
 
-gnssStream gnssStreamUBX()
+gnssEpochs gnssStreamUBX()
 {
     return Repeat(UbxEpoch);
 }
 
-gnssStream gnssStreamTSIP()
+gnssEpochs gnssStreamTSIP()
 {
     return Repeat(TsipEpoch);
 }

@@ -6,12 +6,17 @@
 
 using gnssStream = std::vector<uint8_t>;
 
+struct gnssEpochs {
+    gnssStream Bytes;
+    unsigned Count = 0;
+};
+
 // Epochs of a receiver of all constellations: GGA, GLL, four GSA, GSV of 40 satellites with signal ids, RMC,
 // VTG.
-gnssStream gnssStreamNMEA();
+gnssEpochs gnssStreamNMEA();
 
 // NAV-POSLLH, NAV-DOP, NAV-SAT of 40, NAV-SIG of 70, NAV-TIMEUTC, NAV-VELNED, TIM-TP.
-gnssStream gnssStreamUBX();
+gnssEpochs gnssStreamUBX();
 
 // Primary and supplemental timing, signal levels, satellite tracking and selection.
-gnssStream gnssStreamTSIP();
+gnssEpochs gnssStreamTSIP();

@@ -3,6 +3,8 @@
 // how often a message allocates; after them, how many bytes a second go through.
 //
 //     gnss_bench --input FILE --protocol nmea|tsip|ubx    measures that stream instead
+//     gnss_bench --day EPOCHS                             only shows that so many epochs leave no memory
+//     behind
 #include "bench/gnssFloors.h"
 #include "bench/gnssStreams.h"
 #include "bench/ratio.h"
@@ -13,8 +15,10 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -23,9 +27,11 @@
 namespace {
 
 std::atomic<uint64_t> Allocations{0};
+std::atomic<uint64_t> BytesLive{0};
 
 ratioOption Input("input");
 ratioOption Protocol("protocol");
+ratioOption Day("day");
 
 constexpr size_t Chunks[] = {64, 65536};
 
@@ -117,6 +123,12 @@ void Group(const std::string& name, const gnssStream& bytes)
     }
 }
 
+[[noreturn]] void WrongUse(const std::string& what)
+{
+    std::fprintf(stderr, "%s\n", what.c_str());
+    std::exit(2);
+}
+
 void GroupOf(const std::string& protocol, const gnssStream& stream)
 {
     if (protocol == "nmea")
@@ -126,7 +138,46 @@ void GroupOf(const std::string& protocol, const gnssStream& stream)
     else if (protocol == "ubx")
         Group<gnssUBX, ubxFloor>("UBX", stream);
     else
-        std::fprintf(stderr, "--protocol is nmea, tsip or ubx\n");
+        WrongUse("--protocol is nmea, tsip or ubx");
+}
+
+// Feeds a stream over and over, in chunks of ever other sizes, until so many epochs have gone by. Whether the
+// decoder holds as much memory at the end as it held once warm.
+template <class Decoder>
+bool StaysFlat(const char* name, const gnssEpochs& each, uint64_t epochs)
+{
+    const gnssStream& stream = each.Bytes;
+    Decoder decoder;
+    uint64_t liveWarm = 0;
+    uint64_t allocationsWarm = 0;
+    uint64_t done = 0;
+    uint32_t random = 1;
+    for (unsigned round = 0; done < epochs; round++, done += each.Count) {
+        for (size_t at = 0; at < stream.size();) {
+            random = random * 1664525 + 1013904223;
+            const size_t chunk = std::min<size_t>(1 + (random >> 20), stream.size() - at);
+            decoder.Feed(stream.data() + at, chunk);
+            at += chunk;
+        }
+        if (round == 2) {
+            liveWarm = BytesLive;
+            allocationsWarm = Allocations;
+        }
+    }
+    const uint64_t live = BytesLive;
+    std::printf("%s: %llu epochs, %llu allocations once warm, %+lld bytes held more than then\n", name,
+                static_cast<unsigned long long>(done),
+                static_cast<unsigned long long>(Allocations - allocationsWarm),
+                static_cast<long long>(live - liveWarm));
+    return live <= liveWarm;
+}
+
+[[noreturn]] void ShowTheDay(uint64_t epochs)
+{
+    const bool flat = StaysFlat<gnssNMEA>("NMEA", gnssStreamNMEA(), epochs) &&
+                      StaysFlat<gnssUBX>("UBX", gnssStreamUBX(), epochs) &&
+                      StaysFlat<gnssTSIP>("TSIP", gnssStreamTSIP(), epochs);
+    std::exit(flat ? 0 : 1);
 }
 
 gnssStream FileBytes(const std::string& path)
@@ -134,7 +185,7 @@ gnssStream FileBytes(const std::string& path)
     std::ifstream file(path, std::ios::binary);
     gnssStream bytes(std::istreambuf_iterator<char>(file), {});
     if (bytes.empty())
-        std::fprintf(stderr, "%s cannot be read, or is empty\n", path.c_str());
+        WrongUse(path + " cannot be read, or is empty");
     return bytes;
 }
 
@@ -142,36 +193,47 @@ gnssStream FileBytes(const std::string& path)
 
 void ratioGroups()
 {
+    if (!Day.Value().empty())
+        ShowTheDay(std::strtoull(Day.Value().c_str(), nullptr, 10));
     // The list is made first, so that it is still there when it is printed at the end.
     Figures();
     std::atexit(PrintFigures);
     if (!Input.Value().empty()) {
-        const gnssStream stream = FileBytes(Input.Value());
-        if (!stream.empty())
-            GroupOf(Protocol.Value(), stream);
+        GroupOf(Protocol.Value(), FileBytes(Input.Value()));
         return;
     }
-    GroupOf("nmea", gnssStreamNMEA());
-    GroupOf("ubx", gnssStreamUBX());
-    GroupOf("tsip", gnssStreamTSIP());
+    GroupOf("nmea", gnssStreamNMEA().Bytes);
+    GroupOf("ubx", gnssStreamUBX().Bytes);
+    GroupOf("tsip", gnssStreamTSIP().Bytes);
 }
 
-// --- Every allocation of this program is counted.
+// --- Every allocation of this program is counted. Its size stands in front of it.
+
+constexpr size_t SizeRoom = alignof(std::max_align_t);
 
 void* operator new(size_t size)
 {
     Allocations.fetch_add(1, std::memory_order_relaxed);
-    if (void* const memory = std::malloc(size == 0 ? 1 : size))
-        return memory;
-    std::abort();
+    BytesLive.fetch_add(size, std::memory_order_relaxed);
+    auto* const memory = static_cast<std::byte*>(std::malloc(size + SizeRoom));
+    if (memory == nullptr)
+        std::abort();
+    std::memcpy(memory, &size, sizeof size);
+    return memory + SizeRoom;
 }
 
 void operator delete(void* memory) noexcept
 {
-    std::free(memory);
+    if (memory == nullptr)
+        return;
+    std::byte* const start = static_cast<std::byte*>(memory) - SizeRoom;
+    size_t size = 0;
+    std::memcpy(&size, start, sizeof size);
+    BytesLive.fetch_sub(size, std::memory_order_relaxed);
+    std::free(start);
 }
 
 void operator delete(void* memory, size_t) noexcept
 {
-    std::free(memory);
+    operator delete(memory);
 }
