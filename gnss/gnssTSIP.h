@@ -10,6 +10,7 @@
 
 #include "gnss/bytesBig.h"
 #include "gnss/gnss.h"
+#include "platform/clock.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -59,6 +60,10 @@ public:
 
     // Keeps what the receiver aligns its pulses to, and tells it.
     void PPSSetup(uint8_t base);
+
+    // Today's date in UTC, by which dates and weeks that have rolled over are placed. Never null; asked from
+    // inside Feed.
+    clockDate (*Today)() = clockTodayUTC;
 
     int64_t RequestTime;          // of the last polling round, clockSteadyNs
     std::vector<uint8_t> Packet;  // id and data of the message being collected, unstuffed

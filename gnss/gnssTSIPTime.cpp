@@ -12,16 +12,15 @@ constexpr uint32_t DaysPerRollover = 1024 * DaysPerWeek;
 constexpr uint32_t FirstDayOfGPS = 2444245;  // 1980-01-06
 constexpr double SecondsPerDay = 86400;
 
-uint32_t today()
+uint32_t julianDayOf(const clockDate& date)
 {
-    const clockDate date = clockTodayUTC();
     return julianDay({date.Year, date.Month, date.Day});
 }
 
 // Unsigned on purpose: a date later than today jumps to one of the last 1024 weeks.
-uint32_t unroll(uint32_t day)
+uint32_t unroll(uint32_t day, uint32_t today)
 {
-    return day + (today() - day) / DaysPerRollover * DaysPerRollover;
+    return day + (today - day) / DaysPerRollover * DaysPerRollover;
 }
 
 uint32_t wholeDays(double seconds)
@@ -35,7 +34,7 @@ uint32_t wholeDays(double seconds)
 
 void gnssTSIP::SetDate(uint32_t julian)
 {
-    const julianDate date = julianToDate(unroll(julian));
+    const julianDate date = julianToDate(unroll(julian, julianDayOf(Today())));
     Year = date.Year;
     Month = date.Month;
     Day = date.Day;
@@ -51,7 +50,8 @@ void gnssTSIP::SetDate(uint8_t day, uint8_t month, uint16_t year)
 void gnssTSIP::SetWeek(uint16_t week)
 {
     const uint32_t begin = week * DaysPerWeek + FirstDayOfGPS;
-    const uint32_t rollovers = (today() - wholeDays(double{WeekTime}) - begin) / DaysPerRollover;
+    const uint32_t today = julianDayOf(Today());
+    const uint32_t rollovers = (today - wholeDays(double{WeekTime}) - begin) / DaysPerRollover;
     Week = static_cast<uint16_t>(rollovers % 65536 * 1024 + week);
 }
 

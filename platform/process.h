@@ -10,6 +10,10 @@ struct processHandle;
 // The file of the running program, an absolute path, UTF-8. Empty when the system does not tell.
 std::string processPath();
 
+// Lets standard input give every byte as it came, where the system would take it for text. Once, before the
+// first read.
+void processInputBytes();
+
 // Starts a program with its arguments, the first of which is its own file; each arrives as it is given here,
 // blanks, quotes and all. It inherits the environment and the standard streams, but no file handle. Null when
 // it cannot be started.

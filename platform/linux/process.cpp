@@ -70,6 +70,11 @@ std::string processPath()
     }
 }
 
+void processInputBytes()
+{
+    // Here every stream is one of bytes.
+}
+
 processHandle* processStart(const std::vector<std::string>& arguments)
 {
     // An argument ends at its first NUL on the way, so one that holds a NUL would not arrive as given.

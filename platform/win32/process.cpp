@@ -5,6 +5,9 @@
 #include "platform/win32/standardHandles.h"
 #include "platform/win32/text.h"
 
+#include <cstdio>
+#include <fcntl.h>
+#include <io.h>
 #include <limits>
 #include <windows.h>
 
@@ -48,6 +51,11 @@ std::string processPath()
         // The system cuts the path to the room and does not tell how much it needs.
         path.resize(path.size() * 2);
     }
+}
+
+void processInputBytes()
+{
+    _setmode(_fileno(stdin), _O_BINARY);
 }
 
 processHandle* processStart(const std::vector<std::string>& arguments)

@@ -44,6 +44,11 @@ std::string processPath()
     return fakes::ask("processPath").Scripted ? std::string() : "/fake/program";
 }
 
+void processInputBytes()
+{
+    fakes::record("processInputBytes", {});
+}
+
 processHandle* processStart(const std::vector<std::string>& arguments)
 {
     if (fakes::enter("processStart", joined(arguments)).Scripted || arguments.empty())

@@ -101,6 +101,16 @@ TEST_F(gnssTSIPTimeTest, FollowsTheComputersDate)
     EXPECT_EQ(Date(), "2045-8-31");
 }
 
+TEST_F(gnssTSIPTimeTest, FollowsTheDateThatItIsToldInPlaceOfTheComputers)
+{
+    Know(3);
+    Receiver.Today = [] { return clockDate{2050, 1, 1}; };
+    // It is the Saturday of week 3651.
+    Feed(primaryTiming({.Week = 3651 % 1024, .Day = 1, .Month = 6, .Year = 2006}));
+    EXPECT_EQ(Date(), "2045-8-31");
+    EXPECT_EQ(Receiver.Week, 3651);
+}
+
 TEST_F(gnssTSIPTimeTest, PlacesATenBitWeekInThePresent)
 {
     // 2026-11-20 is a Friday of week 2445.

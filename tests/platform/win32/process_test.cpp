@@ -8,8 +8,10 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <io.h>
 
 namespace {
 
@@ -140,6 +142,13 @@ TEST_F(win32Process, HandsOverNoFileOfTheLibrary)
         fileClose(handle);
     processKill(child);
     processWait(child);
+}
+
+TEST_F(win32Process, TakesInputForBytes)
+{
+    const int before = _setmode(_fileno(stdin), _O_TEXT);
+    processInputBytes();
+    EXPECT_EQ(_setmode(_fileno(stdin), before), _O_BINARY);
 }
 
 TEST_F(win32Process, KnowsItsOwnFile)
