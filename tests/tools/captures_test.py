@@ -16,7 +16,7 @@ import unittest
 
 import results
 
-PROGRAM = sys.argv.pop(1)
+PROGRAM = os.path.abspath(sys.argv.pop(1))
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 FOLDER = pathlib.Path(os.environ.get("SKY_CAPTURES") or ROOT.parent / "shared" / "captures")
 

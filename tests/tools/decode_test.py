@@ -17,7 +17,7 @@ import unittest
 
 import results
 
-PROGRAM = sys.argv.pop(1)
+PROGRAM = os.path.abspath(sys.argv.pop(1))
 PROTOCOLS = ["nmea", "tsip", "ubx"]
 # Far longer than any of these streams takes.
 SECONDS = 60
