@@ -49,7 +49,8 @@ struct commControl {
 // there is no such port, it is in use, or the name has a separator of paths in it.
 commHandle commOpen(std::string_view name);
 
-// Drops what was received and not read, ends a write that waits, and ends the handle.
+// Drops what was received and not read, ends a write that waits, and ends the handle. What the driver has
+// taken may still be sent, for which some systems let the caller wait; what a dead line holds up is dropped.
 void commClose(commHandle handle);
 
 // The settings with which the driver would like to start.
@@ -90,7 +91,7 @@ bool commRead(commHandle handle, void* buffer, uint32_t count, uint32_t& done);
 // that waits until commClose.
 bool commWrite(commHandle handle, const void* data, uint32_t count, uint32_t& done);
 
-// The state of the modem lines, 0 where the port has none: false, with `status` unchanged, when they cannot
+// The state of the modem lines, 0 where the port has none; false, with `status` unchanged, when they cannot
 // be read.
 constexpr uint32_t commCTS = 0x10;
 bool commModemStatus(commHandle handle, uint32_t& status);

@@ -38,13 +38,14 @@ socketHandle socketOpen();
 // Ends the connection at once; the peer gets what was handed to the system before.
 void socketClose(socketHandle handle);
 
+// Waits for the outcome, also on a socket that was made non-blocking.
 bool socketConnect(socketHandle handle, const socketAddress& address);
 
 // Takes an address of this machine, also one whose last owner has just ended, but none that is in use.
 bool socketBind(socketHandle handle, const socketAddress& address);
 bool socketListen(socketHandle handle, uint32_t backlog);
 
-// The next connection, or socketNone when there is none or it failed: see socketError.
+// The next connection, a blocking socket, or socketNone when there is none or it failed: see socketError.
 socketHandle socketAccept(socketHandle handle, socketAddress& peer);
 
 // The address that the socket has on this machine.

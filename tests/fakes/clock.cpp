@@ -131,6 +131,11 @@ void fakes::resetClock()
     state().SleepMoves = true;
 }
 
+fakes::clockView fakes::clockNow()
+{
+    return {state().Now, state().SleepMoves};
+}
+
 int64_t clockSteadyNs()
 {
     fakes::ask("clockSteadyNs");

@@ -149,6 +149,8 @@ void fakeReset()
     fakes::resetRegistry();
     fakes::resetLocale();
     fakes::resetProcess();
+    fakes::resetComm();
+    fakes::resetSocket();
 }
 
 std::vector<std::string> fakeCalls()

@@ -38,6 +38,13 @@ void record(const std::string& function, const std::string& arguments);
 // A path as it is written in the record; a lone surrogate becomes a question mark.
 std::string narrow(std::u16string_view text);
 
+// The clock, for waits of other concerns. Under the mutex.
+struct clockView {
+    int64_t Now;
+    bool SleepMoves;  // a wait moves the clock itself
+};
+clockView clockNow();
+
 // One for each concern, called with the mutex held.
 void resetDebug();
 void resetClock();
@@ -46,5 +53,7 @@ void resetFile();
 void resetRegistry();
 void resetLocale();
 void resetProcess();
+void resetComm();
+void resetSocket();
 
 }  // namespace fakes
