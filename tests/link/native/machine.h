@@ -1,0 +1,35 @@
+// What this process holds of the machine, where the machine tells.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <filesystem>
+#include <iterator>
+
+// How many entries a folder has; 0 where there is no such folder.
+inline size_t entriesOf(const char* folder)
+{
+    std::error_code error;
+    const std::filesystem::directory_iterator entries(folder, error);
+    return error ? 0 : static_cast<size_t>(std::distance(begin(entries), end(entries)));
+}
+
+inline size_t openDescriptors()
+{
+    return entriesOf("/proc/self/fd");
+}
+
+inline size_t livingThreads()
+{
+    return entriesOf("/proc/self/task");
+}
+
+// How long something takes, in milliseconds.
+template <class Action>
+int64_t msOf(const Action& action)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    action();
+    const auto spent = std::chrono::steady_clock::now() - begin;
+    return std::chrono::duration_cast<std::chrono::milliseconds>(spent).count();
+}
