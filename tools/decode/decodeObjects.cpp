@@ -11,7 +11,7 @@ constexpr std::string_view SourceNames[] = {
 };
 static_assert(std::size(SourceNames) == static_cast<size_t>(gnss::Source::Mixed) + 1);
 
-void writeModel(jsonWriter& json, const gnss& model, const decodeEvents& events)
+void writeModel(jsonWriter& json, const gnss& model, const decodeEvents* events)
 {
     json.Key("Model").Count(model.Model);
     json.Key("ModelName").Text(model.ModelName());
@@ -30,7 +30,8 @@ void writeModel(jsonWriter& json, const gnss& model, const decodeEvents& events)
     json.Key("SeaLevel").Number(model.SeaLevel);
     json.Key("Speed").Number(model.Speed);
     json.Key("Track").Number(model.Track);
-    json.Key("OnNewData").Count(events.NewData);
+    if (events != nullptr)
+        json.Key("OnNewData").Count(events->NewData);
 }
 
 void writeSat(jsonWriter& json, const SatInfo& satellite)
@@ -69,7 +70,7 @@ void writeSignals(jsonWriter& json, ubxSignalSet signals)
 
 }  // namespace
 
-void decodeWrite(jsonWriter& json, const gnssNMEA& receiver, const decodeEvents& events)
+void decodeWrite(jsonWriter& json, const gnssNMEA& receiver, const decodeEvents* events)
 {
     json.BeginObject();
     writeModel(json, receiver, events);
@@ -81,7 +82,7 @@ void decodeWrite(jsonWriter& json, const gnssNMEA& receiver, const decodeEvents&
     json.End();
 }
 
-void decodeWrite(jsonWriter& json, const gnssTSIP& receiver, const decodeEvents& events)
+void decodeWrite(jsonWriter& json, const gnssTSIP& receiver, const decodeEvents* events)
 {
     json.BeginObject();
     writeModel(json, receiver, events);
@@ -102,7 +103,7 @@ void decodeWrite(jsonWriter& json, const gnssTSIP& receiver, const decodeEvents&
     json.End();
 }
 
-void decodeWrite(jsonWriter& json, const gnssUBX& receiver, const decodeEvents& events)
+void decodeWrite(jsonWriter& json, const gnssUBX& receiver, const decodeEvents* events)
 {
     json.BeginObject();
     writeModel(json, receiver, events);
@@ -114,7 +115,8 @@ void decodeWrite(jsonWriter& json, const gnssUBX& receiver, const decodeEvents& 
     json.Key("PPSRate").Number(receiver.PPSRate);
     json.Key("PPSDuty").Number(receiver.PPSDuty);
     writeSignals(json.Key("Select"), receiver.Select.Load());
-    json.Key("OnPPS").Count(events.PPS);
+    if (events != nullptr)
+        json.Key("OnPPS").Count(events->PPS);
     writeSats(json, receiver);
     json.End();
 }

@@ -14,6 +14,7 @@ struct decodeEvents {
     uint64_t PPS = 0;
 };
 
-void decodeWrite(jsonWriter& json, const gnssNMEA& receiver, const decodeEvents& events);
-void decodeWrite(jsonWriter& json, const gnssTSIP& receiver, const decodeEvents& events);
-void decodeWrite(jsonWriter& json, const gnssUBX& receiver, const decodeEvents& events);
+// Without events their counts are left out.
+void decodeWrite(jsonWriter& json, const gnssNMEA& receiver, const decodeEvents* events = nullptr);
+void decodeWrite(jsonWriter& json, const gnssTSIP& receiver, const decodeEvents* events = nullptr);
+void decodeWrite(jsonWriter& json, const gnssUBX& receiver, const decodeEvents* events = nullptr);

@@ -5,6 +5,9 @@ namespace {
 // Here because a decoder asks a plain function.
 clockDate givenToday;
 
+// A satellite has a line of its own, its fields have not.
+constexpr size_t LevelsInLines = 3;
+
 }  // namespace
 
 decodeSession::decodeSession(const decodeOptions& options) : Protocols(options.Protocols)
@@ -31,14 +34,14 @@ void decodeSession::Feed(std::span<const uint8_t> bytes)
 
 std::string decodeSession::Describe() const
 {
-    jsonWriter json;
+    jsonWriter json(LevelsInLines);
     json.BeginObject();
     if (Has(decodeOptions::NMEA))
-        decodeWrite(json.Key("nmea"), NMEA, EventsNMEA);
+        decodeWrite(json.Key("nmea"), NMEA, &EventsNMEA);
     if (Has(decodeOptions::TSIP))
-        decodeWrite(json.Key("tsip"), TSIP, EventsTSIP);
+        decodeWrite(json.Key("tsip"), TSIP, &EventsTSIP);
     if (Has(decodeOptions::UBX))
-        decodeWrite(json.Key("ubx"), UBX, EventsUBX);
+        decodeWrite(json.Key("ubx"), UBX, &EventsUBX);
     json.End();
     return json.Result() + '\n';
 }

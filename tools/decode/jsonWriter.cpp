@@ -6,9 +6,6 @@
 
 namespace {
 
-// The deepest level whose members have lines of their own: a satellite has one, its fields have not.
-constexpr size_t LevelsInLines = 3;
-
 // The longest number: the sign, 17 digits, the point, and an exponent of three digits.
 constexpr size_t LongestNumber = 32;
 

@@ -1,7 +1,8 @@
-// JSON, written from front to back. The outer levels have a line for each member, the inner ones are kept
-// on the line where they begin, so that a person can read the text as well.
+// JSON, written from front to back. Outer levels may have a line for each member, while the inner ones are
+// kept on the line where they begin, so that a person can read the text as well.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -9,6 +10,9 @@
 class jsonWriter
 {
 public:
+    // The deepest level whose members have lines of their own; 0 writes all on one line.
+    explicit jsonWriter(size_t levelsInLines) : LevelsInLines(levelsInLines) {}
+
     // Every value in an object stands behind its key; those in an array have none.
     jsonWriter& Key(std::string_view name);
 
@@ -32,6 +36,7 @@ private:
     void Separate();
     void NextLine();
 
+    size_t LevelsInLines;
     std::string Json;
     std::string Closings;   // of what is open, the innermost last
     bool IsFirst = true;    // nothing stands yet in what was opened last
