@@ -23,6 +23,6 @@ bool commLineLevel(int descriptor, commLevel& level);
 // As commModemStatus.
 bool commLineModem(int descriptor, uint32_t& status);
 
-// Whether what waits to be sent will have left in a tenth of a second: there is little of it, and the other side
-// holds nothing back.
+// Whether what waits to be sent will have left in a tenth of a second: there is little of it, and the other
+// side holds nothing back.
 bool commLineDrainsSoon(int descriptor);

@@ -14,7 +14,9 @@ import termios
 import time
 import unittest
 
-PROGRAM = sys.argv.pop(1)
+import results
+
+PROGRAM = os.path.abspath(sys.argv.pop(1))
 LIMIT = 10  # seconds, for anything that should happen soon
 
 POLL_VERSION = bytes.fromhex("B5620A0400000E34")
@@ -434,4 +436,4 @@ class ReplayTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    results.main()
