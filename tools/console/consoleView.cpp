@@ -82,6 +82,25 @@ std::string whereText(const gnss& receiver)
     return has(receiver, gnss::ValidPosition) ? positionText(receiver) : std::string("position not known");
 }
 
+// The same without columns to keep.
+std::string placeText(const gnss& receiver)
+{
+    if (!has(receiver, gnss::ValidPosition))
+        return "position not known";
+    return fixed(std::fabs(receiver.Latitude), 7) + (receiver.Latitude < 0 ? " S, " : " N, ") +
+           fixed(std::fabs(receiver.Longitude), 7) + (receiver.Longitude < 0 ? " W, " : " E, ") +
+           fixed(receiver.Altitude, 2) + " m";
+}
+
+// Trimble receivers may be set to GPS time; the others tell UTC.
+std::string_view timeScale(const gnssComm& link)
+{
+    constexpr uint8_t isUTC = 1;
+    const bool isGPS =
+        link.Protocol == gnssComm::ProtocolTSIP && link.TSIP && (link.TSIP->TimeFlags & isUTC) == 0;
+    return isGPS ? "GPS" : "UTC";
+}
+
 std::string_view protocolName(uint8_t protocol)
 {
     constexpr std::string_view names[] = {"---", "NMEA", "TSIP", "UBX"};
@@ -105,8 +124,8 @@ std::string satRow(const SatInfo& satellite)
 {
     const std::string number = SourceLetter(satellite.Source) + padded(satellite.SvId, 2);
     std::string row = "  " + number + std::string(number.size() < 5 ? 5 - number.size() : 0, ' ');
-    row += satellite.IsUsed() ? "used " : "     ";
-    row += fixed(double{satellite.Elevation}, 0, 5) + fixed(double{satellite.Azimuth}, 0, 9);
+    row += satellite.IsUsed() ? "used  " : "      ";
+    row += fixed(double{satellite.Elevation}, 0, 9) + fixed(double{satellite.Azimuth}, 0, 9);
     row += satellite.SNR < 0 ? std::string("      -") : fixed(double{satellite.SNR}, 0, 7);
     return row + "   " + signalsText(satellite);
 }
@@ -135,15 +154,15 @@ std::string motionText(const gnssComm& link, const gnss& receiver)
 void appendReceiver(std::vector<std::string>& lines, const gnssComm& link, const gnss& receiver)
 {
     lines.push_back("Receiver   " + std::string(receiver.ModelName()) + ", " + stateText(link));
-    lines.push_back("Time       " + whenText(receiver));
-    lines.push_back("Position   " + whereText(receiver));
+    lines.push_back("Time       " + whenText(receiver) + " " + std::string(timeScale(link)));
+    lines.push_back("Position   " + placeText(receiver));
     lines.push_back("Sea level  " + fixed(double{receiver.SeaLevel}, 2) + " m");
     lines.push_back("Motion     " + motionText(link, receiver));
     lines.push_back("Dilution   PDOP " + fixed(double{receiver.PDOP}, 2) + "  HDOP " +
                     fixed(double{receiver.HDOP}, 2) + "  VDOP " + fixed(double{receiver.VDOP}, 2));
     lines.emplace_back();
     lines.push_back("  " + satsText(receiver));
-    lines.emplace_back("  Sat       Elevation  Azimuth  Level   Signals");
+    lines.emplace_back("  Sat        Elevation  Azimuth  Level   Signals");
     for (const SatInfo& each : receiver.Sats)
         lines.push_back(satRow(each));
 }
