@@ -52,6 +52,7 @@ void gnssCommServer::Server_OnAcceptedClient(netTCPCli& client)
         if (event == netTCPCli::EventDisconnected)
             Client_OnEnd(stream);
     };
+    client.QueueLimit = QueueLimit.load();
     unsigned count = 0;
     {
         const thrSpinHold hold(StreamsLock);

@@ -42,6 +42,10 @@ public:
     std::function<void(unsigned clients)> OnClients;        // their number changed
     std::function<void()> OnFailed;                         // the port cannot be had
 
+    // Bytes that may wait for a client that does not read; it is disconnected when there are more. For those
+    // that come after a change.
+    std::atomic<uint32_t> QueueLimit{netTCPCli::QueueLimitDefault};
+
 private:
     void Server_OnAcceptedClient(netTCPCli& client);
     void Client_OnMessage(const msgHead& message);

@@ -183,22 +183,27 @@ TEST_F(gnssCommServerTest, StartsAndStopsAgainAndAgain)
 
 TEST_F(gnssCommServerTest, DropsAClientThatDoesNotReadAndServesTheOthers)
 {
+    Server.QueueLimit = 65536;
     Start();
     client reader;
     reader.Link.Connect("127.0.0.1");
     ASSERT_TRUE(AwaitClients(1));
     Serve("before");
     ASSERT_TRUE(await([&] { return reader.Received() == "before"; }));
-    // From here on nobody's bytes go out at once, and a queue of 64 MiB fills.
+    // From here on nobody's bytes go out at once, and the queue fills.
     fakeSendRoom(0);
-    const std::string block(1024 * 1024, 'x');
-    for (int i = 0; i < 70; ++i)
+    const std::string block(4096, 'x');
+    for (int i = 0; i < 12; ++i)
+        Serve(block);
+    letOthersRun();
+    EXPECT_EQ(reader.Told.Count(netTCPCli::EventDisconnected), 0U);
+    for (int i = 0; i < 10; ++i)
         Serve(block);
     EXPECT_TRUE(await([&] { return reader.Told.Count(netTCPCli::EventDisconnected) > 0; }));
     fakeSendRoom(1'000'000);
 }
 
-TEST_F(gnssCommServerTest, ComesBackToAServerThatReturnsWithinTwoAndAHalfSeconds)
+TEST_F(gnssCommServerTest, ComesBackToAServerThatReturns)
 {
     Start();
     client watcher;
@@ -207,9 +212,7 @@ TEST_F(gnssCommServerTest, ComesBackToAServerThatReturnsWithinTwoAndAHalfSeconds
     Server.Stop(true);
     ASSERT_TRUE(await([&] { return watcher.Told.Count(netTCPCli::EventDisconnected) >= 1; }));
     Start();
-    const int64_t back = clockSteadyNs();
-    ASSERT_TRUE(await([&] { return watcher.Told.Count(netTCPCli::EventConnected) == 2; }));
-    EXPECT_LE(clockSteadyNs() - back, 2'500'000'000);
+    EXPECT_TRUE(await([&] { return watcher.Told.Count(netTCPCli::EventConnected) == 2; }));
 }
 
 TEST(gnssCommClientTest, ReachesTheUsualPortWhenTheAddressNamesNone)

@@ -27,13 +27,19 @@ public:
 
 private:
     static constexpr int64_t StepNs = 2'000'000;
+    static constexpr std::chrono::microseconds RealStep{100};
 
+    // Some systems take a sleep this short for none, so the real clock says when a step is due.
     void Run(const std::stop_token& stop)
     {
+        auto next = std::chrono::steady_clock::now();
         while (!stop.stop_requested()) {
-            if (!Held)
-                fakeClockMove(StepNs);
-            std::this_thread::sleep_for(std::chrono::microseconds(100));
+            if (std::chrono::steady_clock::now() >= next) {
+                if (!Held)
+                    fakeClockMove(StepNs);
+                next = std::chrono::steady_clock::now() + RealStep;
+            }
+            std::this_thread::sleep_for(RealStep);
         }
         // Whoever still sleeps is let go.
         fakeSleepMovesClock(true);

@@ -12,8 +12,11 @@
 
 namespace {
 
-// Stopping takes at most this long, whatever the state; slow machines and sanitizers get some more.
+// Stopping takes at most this long, whatever the state.
 constexpr int64_t StopMs = 300;
+
+// Many threads that end at once need the processor one after the other, and a busy machine has little of it.
+constexpr int64_t StopManyMs = 3000;
 
 socketAddress loopback(uint16_t port)
 {
@@ -85,7 +88,7 @@ TEST_F(networkTest, SurvivesAThousandForcedReconnectionsWithoutGrowth)
             ASSERT_TRUE(await([&] { return ended >= clients * rounds / 10 * some; })) << ended;
         EXPECT_LE(livingThreads(), threads + 3 * clients + 10);
         for (const auto& client : all)
-            EXPECT_LE(msOf([&] { client->Disconnect(true); }), 2 * StopMs);
+            EXPECT_LE(msOf([&] { client->Disconnect(true); }), StopManyMs);
     }
     EXPECT_EQ(openDescriptors(), descriptors);
     EXPECT_EQ(livingThreads(), threads);
@@ -124,7 +127,7 @@ TEST_F(networkTest, StopsAServerWithManyClientsAtOnce)
     for (unsigned i = 0; i < many; i++)
         clients.emplace_back(std::make_unique<gnssCommClient>())->Connect(hostOf(port));
     ASSERT_TRUE(await([&] { return server.Clients() == many; }));
-    EXPECT_LE(msOf([&] { server.Stop(true); }), 2 * StopMs);
+    EXPECT_LE(msOf([&] { server.Stop(true); }), StopManyMs);
     EXPECT_EQ(server.Clients(), 0U);
     for (const auto& client : clients)
         EXPECT_LE(msOf([&] { client->Disconnect(true); }), StopMs);
