@@ -467,9 +467,8 @@ TEST_F(gnssCommTest, LetsAPageReadSelectAndResetWhileItIsFedAndRestarted)
 {
     Link.Network = true;
     ASSERT_TRUE(Link.Start());
-    std::atomic<bool> done{false};
-    std::jthread feeder([&] {
-        while (!done) {
+    const std::jthread feeder([&](const std::stop_token& stop) {
+        while (!stop.stop_requested()) {
             Feed(monVer + navDop + navDop);
             std::this_thread::sleep_for(std::chrono::microseconds(100));
         }
@@ -487,7 +486,6 @@ TEST_F(gnssCommTest, LetsAPageReadSelectAndResetWhileItIsFedAndRestarted)
             ASSERT_TRUE(Link.Start());
         }
     }
-    done = true;
 }
 
 }  // namespace
