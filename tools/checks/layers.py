@@ -19,20 +19,22 @@ ARROWS = {
     "gnss": ("foundations", "platform/clock.h"),
     "link": ("gnss", "foundations", "platform"),
     "toolkit": ("foundations", "platform"),
-    "forms": ("toolkit", "link", "gnss", "foundations", "platform"),
+    "resources": ("toolkit",),
+    "forms": ("resources", "toolkit", "link", "gnss", "foundations", "platform"),
     "tools": ("toolkit", "link", "gnss", "foundations", "platform"),
     "tests/fakes": ("foundations/text", "platform"),
     # What only one system shows is tested from inside: these are part of their backend.
     **{f"tests/platform/{backend}": (f"platform/{backend}", "platform", "foundations", "tests")
        for backend in BACKENDS},
-    "tests": ("tests/fakes", "tools", "forms", "toolkit", "link", "gnss", "foundations", "platform"),
+    "tests": ("tests/fakes", "tools", "forms", "resources", "toolkit", "link", "gnss", "foundations", "platform"),
     "bench": ("forms", "toolkit", "link", "gnss", "foundations", "platform"),
-    "fuzz": ("tests/fakes", "link", "gnss", "foundations", "platform"),
+    "fuzz": ("tests/fakes", "toolkit", "link", "gnss", "foundations", "platform"),
 }
 
 # What a well-kept library gives to rooms that measure and test.
 LIBRARIES = {
     "tests": ("gtest/", "gmock/"),
+    "tools": ("png.h",),
     "bench": ("benchmark/",),
 }
 
