@@ -5,10 +5,10 @@
 namespace {
 
 // How much is made room for at once: a peer is believed what it has sent, not what it says it will send.
-constexpr size_t Step = 64 * 1024;
+constexpr size_t Step = size_t{64} * 1024;
 
 // A buffer that one long message has blown up is not kept.
-constexpr size_t KeepLimit = 1024 * 1024;
+constexpr size_t KeepLimit = size_t{1024} * 1024;
 
 }  // namespace
 

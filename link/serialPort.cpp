@@ -222,9 +222,7 @@ bool serialPort::WaitSent(bool wait)
     bool sent = true;
     for (;;) {
         commLevel level;
-        if (sendQueue != nullptr)
-            sent = false;
-        else if (commPending(handle, level) && level.Unsent != 0)
+        if (sendQueue != nullptr || (commPending(handle, level) && level.Unsent != 0))
             sent = false;
         if (!wait || sent)
             return sent;
