@@ -26,19 +26,16 @@ public:
     void Release() { Held = false; }
 
 private:
-    static constexpr int64_t StepNs = 2'000'000;
-    static constexpr std::chrono::microseconds RealStep{100};
+    // Twenty times the real one. Some systems take a sleep of less than a millisecond for none, and this
+    // thread must not keep the others from running.
+    static constexpr int64_t StepNs = 20'000'000;
+    static constexpr std::chrono::milliseconds RealStep{1};
 
-    // Some systems take a sleep this short for none, so the real clock says when a step is due.
     void Run(const std::stop_token& stop)
     {
-        auto next = std::chrono::steady_clock::now();
         while (!stop.stop_requested()) {
-            if (std::chrono::steady_clock::now() >= next) {
-                if (!Held)
-                    fakeClockMove(StepNs);
-                next = std::chrono::steady_clock::now() + RealStep;
-            }
+            if (!Held)
+                fakeClockMove(StepNs);
             std::this_thread::sleep_for(RealStep);
         }
         // Whoever still sleeps is let go.
