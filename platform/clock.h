@@ -6,6 +6,10 @@
 // Nanoseconds of a clock that never goes back, from an arbitrary start. Any thread; never fails.
 int64_t clockSteadyNs();
 
+// Nanoseconds that processors have spent on the calling thread. Steps may be as long as 16 ms. 0 when the
+// system does not tell.
+int64_t clockThreadNs();
+
 struct clockDate {
     uint16_t Year;  // full, 2026
     uint8_t Month;  // 1 to 12

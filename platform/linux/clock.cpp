@@ -1,12 +1,22 @@
 #include "platform/clock.h"
 
 #include <chrono>
+#include <ctime>
 
 int64_t clockSteadyNs()
 {
     // The same clock on which threadWaitUntil waits.
     using namespace std::chrono;
     return duration_cast<nanoseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+int64_t clockThreadNs()
+{
+    constexpr int64_t nanosecondsPerSecond = 1'000'000'000;
+    timespec spent{};
+    if (clock_gettime(CLOCK_THREAD_CPUTIME_ID, &spent) != 0)
+        return 0;
+    return spent.tv_sec * nanosecondsPerSecond + spent.tv_nsec;
 }
 
 clockDate clockTodayUTC()

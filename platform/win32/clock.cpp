@@ -26,6 +26,21 @@ int64_t clockSteadyNs()
     return seconds * nanosecondsPerSecond + ticks * nanosecondsPerSecond / frequency;
 }
 
+int64_t clockThreadNs()
+{
+    constexpr int64_t nanosecondsPerUnit = 100;
+    FILETIME made;
+    FILETIME ended;
+    FILETIME kernel;
+    FILETIME user;
+    if (!GetThreadTimes(GetCurrentThread(), &made, &ended, &kernel, &user))
+        return 0;
+    const auto units = [](const FILETIME& time) {
+        return static_cast<int64_t>(uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime);
+    };
+    return (units(kernel) + units(user)) * nanosecondsPerUnit;
+}
+
 clockDate clockTodayUTC()
 {
     SYSTEMTIME now;

@@ -3,6 +3,7 @@
 #include "tests/platform/contract.h"
 
 #include <chrono>
+#include <thread>
 
 namespace {
 
@@ -29,6 +30,18 @@ TEST_F(clockContract, GoesOnAsTimePasses)
 {
     const int64_t start = clockSteadyNs();
     EXPECT_TRUE(contractAwait([=] { return clockSteadyNs() >= start + 20'000'000; }));
+}
+
+TEST_F(clockContract, CountsWhatTheCallingThreadSpends)
+{
+    if (contractIsFake())
+        GTEST_SKIP() << "threads cost nothing here";
+    const int64_t start = clockThreadNs();
+    EXPECT_TRUE(contractAwait([=] { return clockThreadNs() >= start + 20'000'000; }))
+        << "asking costs time too, so it must grow";
+    int64_t others = -1;
+    std::thread([&others] { others = clockThreadNs(); }).join();
+    EXPECT_LT(others, clockThreadNs());
 }
 
 TEST_F(clockContract, CountsNanoseconds)
