@@ -13,31 +13,40 @@ function(sky_library name)
   target_link_libraries(${name} PUBLIC sky_options ${arg_LIBRARIES})
 endfunction()
 
-# sky_program(NAME SOURCES ... [PLATFORM native|fake] LIBRARIES ...): an executable on one platform. The platform's
-# objects are linked whole, so the libraries may call it in any order.
+# sky_program(NAME SOURCES ... [PLATFORM native|fake] [SCREEN] LIBRARIES ...): an executable on one platform. The platform's
+# objects are linked whole, so the libraries may call it in any order. With SCREEN it has windows and drawing; the fake
+# platform always has.
 function(sky_program name)
-  cmake_parse_arguments(arg "" "PLATFORM" "SOURCES;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(arg "SCREEN" "PLATFORM" "SOURCES;LIBRARIES" ${ARGN})
   if(NOT arg_PLATFORM)
     set(arg_PLATFORM native)
   endif()
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE sky_options platform_${arg_PLATFORM} ${arg_LIBRARIES})
+  if(arg_SCREEN)
+    target_link_libraries(${name} PRIVATE platform_screen)
+  endif()
 endfunction()
 
 # All tests that run several threads at once.
 add_custom_target(threaded_tests)
 
-# sky_test(NAME FOLDERS ... [PLATFORM native|fake] [THREADED] LIBRARIES ...): a GoogleTest program of all sources in some
-# folders, run by CTest as one test. Its counts are left in results/NAME.json. One that is THREADED is also built and run
-# under the thread sanitizer.
+# sky_test(NAME FOLDERS ... [PLATFORM native|fake] [THREADED] [SCREEN] LIBRARIES ...): a GoogleTest program of all sources in
+# some folders, run by CTest as one test. Its counts are left in results/NAME.json. One that is THREADED is also built and
+# run under the thread sanitizer. One with a SCREEN runs in a virtual display of its own.
 function(sky_test name)
-  cmake_parse_arguments(arg "THREADED" "PLATFORM;TIMEOUT" "FOLDERS;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(arg "THREADED;SCREEN" "PLATFORM;TIMEOUT" "FOLDERS;LIBRARIES" ${ARGN})
   set(sources)
   foreach(folder IN LISTS arg_FOLDERS)
     file(GLOB found CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*.cpp")
     list(APPEND sources ${found})
   endforeach()
-  sky_program(${name} PLATFORM ${arg_PLATFORM} SOURCES ${sources} LIBRARIES ${arg_LIBRARIES} gmock gtest_main)
+  set(screen)
+  if(arg_SCREEN)
+    set(screen SCREEN)
+  endif()
+  sky_program(${name} ${screen} PLATFORM ${arg_PLATFORM} SOURCES ${sources}
+              LIBRARIES ${arg_LIBRARIES} gmock gtest_main)
   # Most of the time that a test takes to build goes into making its own code fast, checked and easy to step through, and
   # there is no need: what it tests is built in full.
   target_compile_options(${name} PRIVATE -O0 -g1)
@@ -45,8 +54,14 @@ function(sky_test name)
     target_compile_options(${name} PRIVATE -fno-sanitize=undefined)
   endif()
   # The results' path is relative: what is absolute here is not so for a Windows program.
-  add_test(NAME ${name} COMMAND ${name} --gtest_output=json:results/${name}.json
-           WORKING_DIRECTORY "${CMAKE_BINARY_DIR}")
+  set(results --gtest_output=json:results/${name}.json)
+  if(arg_SCREEN)
+    # The display starts the program, so CMake does not put the emulator in front of it.
+    add_test(NAME ${name} WORKING_DIRECTORY "${CMAKE_BINARY_DIR}"
+             COMMAND "${CMAKE_SOURCE_DIR}/tools/display" ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${name}> ${results})
+  else()
+    add_test(NAME ${name} COMMAND ${name} ${results} WORKING_DIRECTORY "${CMAKE_BINARY_DIR}")
+  endif()
   if(NOT arg_TIMEOUT)
     set(arg_TIMEOUT 240)
   endif()
@@ -57,5 +72,5 @@ function(sky_test name)
   set_tests_properties(${name} PROPERTIES
     TIMEOUT ${arg_TIMEOUT}
     # Tests write no setting of the person who runs them.
-    ENVIRONMENT "XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/config;TSAN_OPTIONS=halt_on_error=1;UBSAN_OPTIONS=print_stacktrace=1")
+    ENVIRONMENT "XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/config;TSAN_OPTIONS=halt_on_error=1;UBSAN_OPTIONS=print_stacktrace=1;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/leaks.txt:print_suppressions=0")
 endfunction()

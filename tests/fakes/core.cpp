@@ -151,6 +151,8 @@ void fakeReset()
     fakes::resetProcess();
     fakes::resetComm();
     fakes::resetSocket();
+    fakes::resetWindow();
+    fakes::resetDraw();
 }
 
 std::vector<std::string> fakeCalls()

@@ -55,5 +55,7 @@ void resetLocale();
 void resetProcess();
 void resetComm();
 void resetSocket();
+void resetWindow();
+void resetDraw();
 
 }  // namespace fakes

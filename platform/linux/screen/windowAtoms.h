@@ -1,0 +1,47 @@
+// The names that programs, window manager and display server share.
+#pragma once
+
+#include <xcb/xcb.h>
+
+enum windowAtom {
+    atomProtocols,
+    atomDeleteWindow,
+    atomPing,
+    atomTakeFocus,
+    atomWMState,
+    atomChangeState,
+    atomClientLeader,
+    atomNetSupported,
+    atomNetName,
+    atomNetIconName,
+    atomNetPid,
+    atomNetType,
+    atomNetTypeNormal,
+    atomNetTypeDialog,
+    atomNetTypeUtility,
+    atomNetTypePopup,
+    atomNetState,
+    atomNetStateAbove,
+    atomNetStateModal,
+    atomNetStateMaximisedX,
+    atomNetStateMaximisedY,
+    atomNetStateSkipTaskbar,
+    atomNetStateSkipPager,
+    atomNetActive,
+    atomNetUserTime,
+    atomNetWorkArea,
+    atomNetDesktop,
+    atomNetFrameExtents,
+    atomMotifHints,
+    atomUtf8,
+    atomClipboard,
+    atomTargets,
+    atomTimestamp,
+    atomIncremental,
+    atomTextPlain,
+    atomTransfer,
+    atomCount,
+};
+
+// False when the connection is gone.
+bool windowAtomsIntern(xcb_connection_t* connection, xcb_atom_t (&atoms)[atomCount]);

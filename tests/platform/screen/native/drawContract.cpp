@@ -1,0 +1,6 @@
+#include "tests/platform/screen/drawContract.h"
+
+bool drawContractHasPixels()
+{
+    return true;
+}

@@ -1,0 +1,421 @@
+// What windows are told.
+#include "toolkit/ctrlWindow.h"
+
+#include <algorithm>
+
+namespace {
+
+int64_t low16(uint64_t first)
+{
+    return static_cast<int64_t>(first & 0xFFFF);
+}
+
+}  // namespace
+
+int64_t ctrlWindow::Receive(const windowMessage& message)
+{
+    ctrlToolkit& toolkit = Toolkit();
+    windowSystem& system = toolkit.Windows();
+    const auto objectOf = [&system](windowId window) {
+        return static_cast<ctrlWindow*>(window ? system.Object(window) : nullptr);
+    };
+    ctrlWindow* window = objectOf(message.Window);
+    if (message.Number == msgMouseWheel) {
+        if (ctrlWindow* captor = objectOf(system.Capture()))
+            window = captor;
+    }
+    int64_t result = 0;
+    if (message.Number == msgApp) {
+        toolkit.RunPosted(message);
+    } else if (message.Number == msgCreate || !window) {
+        return system.Default(message);
+    } else if (message.Number == msgClose) {
+        Close(window);
+    } else {
+        const ctrlLife life(window);
+        const bool outer = !(window->StateSet(stateInMessage) & stateInMessage);
+        result = window->WindowProc(message.Number, message.First, message.Second);
+        if (outer && life)
+            window->StateClear(stateInMessage);
+    }
+    toolkit.SweepDeferred();
+    return result;
+}
+
+int64_t ctrlWindow::Default(uint32_t message, uint64_t first, int64_t second)
+{
+    windowMessage given;
+    given.Window = Handle_;
+    given.Number = message;
+    given.First = first;
+    given.Second = second;
+    return Toolkit().Windows().Default(given);
+}
+
+int64_t ctrlWindow::WindowProc(uint32_t message, uint64_t first, int64_t second)
+{
+    const bool framed = HasFlag(ctrlFramed);
+    switch (message) {
+    case msgMove:
+        return OnMove(first, second);
+    case msgSize:
+        return OnSize(first, second);
+    case msgActivate:
+        return OnActivate(first, second);
+    case msgSetFocus:
+        return OnSetFocus();
+    case msgKillFocus:
+        return OnKillFocus();
+    case msgEnable:
+    case msgChildActivate:
+    case msgStyleChanging:
+    case msgStyleChanged:
+    case msgSyncPaint:
+    case msgEnterSizeMove:
+    case msgExitSizeMove:
+    case msgDPIChanged:
+        return 0;
+    case msgPaint:
+        return OnPaint();
+    case msgPaintIcon:
+    case msgEraseBackground:
+    case msgSetCursor:
+    case msgMouseActivate:
+    case msgMoving:
+        return 1;
+    case msgShowWindow:
+        return OnShowWindow(first, second);
+    case msgCancelMode:
+        CaptureRelease();
+        return 0;
+    case msgSizeLimits:
+        return OnSizeLimits(second);
+    case msgPosChanging:
+        return OnPosChanging(first, second);
+    case msgFrameSize:
+    case msgFramePaint:
+    case msgFrameLeftDown:
+        return framed ? Default(message, first, second) : 0;
+    case msgFrameHit:
+        return framed ? Default(message, first, second) : int64_t{hitClient};
+    case msgFrameMove:
+        return framed ? OnFrameMove(first, second) : 0;
+    case msgKeyDown:
+        return OnKey(KeyEv::Down, message, first, second);
+    case msgKeyUp:
+        return OnKey(KeyEv::Up, message, first, second);
+    case msgChar:
+        return OnChar(first, second);
+    case msgSysCommand:
+        return OnSysCommand(first, second);
+    case msgGesture:
+        return OnGesture(first, second);
+    case msgMouseMove:
+        return OnMouseMove(first, second);
+    case msgLeftDown:
+        return OnMouse(MouseEv::LeftDown, first, second);
+    case msgLeftUp:
+        return OnMouse(MouseEv::LeftUp, first, second);
+    case msgLeftDouble:
+        return OnLeftDouble(first, second);
+    case msgRightDown:
+        return OnMouse(MouseEv::RightDown, first, second);
+    case msgRightUp:
+        return OnMouse(MouseEv::RightUp, first, second);
+    case msgRightDouble:
+        return OnMouse(MouseEv::RightDouble, first, second);
+    case msgMiddleDown:
+        return OnMouse(MouseEv::MiddleDown, first, second);
+    case msgMiddleUp:
+        return OnMouse(MouseEv::MiddleUp, first, second);
+    case msgMiddleDouble:
+        return OnMouse(MouseEv::MiddleDouble, first, second);
+    case msgMouseWheel:
+        return OnWheel(first, second);
+    case msgSizing:
+        return OnSizing(first, second);
+    case msgCaptureChanged:
+        CaptureHolder = nullptr;
+        return 0;
+    case msgScaledSize:
+        return OnScaledSize(second);
+    default:
+        return Default(message, first, second);
+    }
+}
+
+int64_t ctrlWindow::OnMove(uint64_t first, int64_t second)
+{
+    {
+        const thrSpinHold hold(Toolkit().Lock);
+        X_ = windowPointX(second);
+        Y_ = windowPointY(second);
+    }
+    const ctrlLife life(this);
+    Moved();
+    return life ? Default(msgMove, first, second) : 0;
+}
+
+int64_t ctrlWindow::OnSize(uint64_t first, int64_t second)
+{
+    const auto width = static_cast<uint32_t>(second & 0xFFFF);
+    const auto height = static_cast<uint32_t>(second >> 16 & 0xFFFF);
+    const ctrlLife life(this);
+    switch (first) {
+    case sizedRestored:
+        StateClear(stateMaximised | stateMinimised);
+        break;
+    case sizedMinimised:
+        StateSet(stateMinimised);
+        StateChanged();
+        return 0;
+    case sizedMaximised:
+        if (!(StateSet(stateMaximised) & stateMaximised)) {
+            StateClear(stateMinimised);
+            RestoredWidth = Width();
+            RestoredHeight = Height();
+        }
+        break;
+    default:
+        return 0;
+    }
+    Resize(width, height);
+    if (!life)
+        return 0;
+    StateSet(stateLayout);
+    StateChanged();
+    return 0;
+}
+
+int64_t ctrlWindow::OnActivate(uint64_t first, int64_t second)
+{
+    const bool active = low16(first) != 0;
+    const ctrlLife life(this);
+    if (active != Active)
+        Activated(active);
+    return life ? Default(msgActivate, first, second) : 0;
+}
+
+int64_t ctrlWindow::OnSetFocus()
+{
+    ctrlWindow* focused = Toolkit().Focused;
+    (focused ? focused : this)->Focused(true);
+    return 0;
+}
+
+int64_t ctrlWindow::OnKillFocus()
+{
+    ctrlToolkit& toolkit = Toolkit();
+    if (toolkit.Focused && !toolkit.FocusMoving)
+        toolkit.Focused->Focused(false);
+    return 0;
+}
+
+int64_t ctrlWindow::OnShowWindow(uint64_t first, int64_t second)
+{
+    if (first)
+        StateSet(stateVisible);
+    else
+        StateClear(stateVisible);
+    const ctrlLife life(this);
+    StateChanged();
+    return life ? Default(msgShowWindow, first, second) : 0;
+}
+
+int64_t ctrlWindow::OnSizeLimits(int64_t second)
+{
+    auto* limits = reinterpret_cast<windowSizeLimits*>(second);
+    const windowExtent thick = FrameThickness();
+    if (WidthMost) {
+        const auto most = static_cast<int32_t>(WidthMost) + thick.Width;
+        limits->MaximisedSize.Width = std::min(limits->MaximisedSize.Width, most);
+    }
+    if (HeightMost) {
+        const auto most = static_cast<int32_t>(HeightMost) + thick.Height;
+        limits->MaximisedSize.Height = std::min(limits->MaximisedSize.Height, most);
+    }
+    return 0;
+}
+
+// While the toolkit itself asks for a frame, the system does not correct it.
+int64_t ctrlWindow::OnPosChanging(uint64_t first, int64_t second)
+{
+    const ctrlToolkit::pendingFrame& pending = Toolkit().Pending;
+    if (pending.UnderWay) {
+        auto* placing = reinterpret_cast<windowPlacing*>(second);
+        if (!(placing->Flags & placeKeepPosition)) {
+            placing->X = pending.Frame.Left;
+            placing->Y = pending.Frame.Top;
+        }
+        if (!(placing->Flags & placeKeepSize)) {
+            placing->Width = pending.Frame.Right - pending.Frame.Left;
+            placing->Height = pending.Frame.Bottom - pending.Frame.Top;
+        }
+    }
+    return Default(msgPosChanging, first, second);
+}
+
+int64_t ctrlWindow::OnFrameMove(uint64_t first, int64_t second)
+{
+    switch (first) {
+    case hitTopLeft:
+    case hitBottomRight:
+        Cursor(cursorSizeFalling);
+        break;
+    case hitTopRight:
+    case hitBottomLeft:
+        Cursor(cursorSizeRising);
+        break;
+    case hitTop:
+    case hitBottom:
+        Cursor(cursorSizeUpDown);
+        break;
+    case hitLeft:
+    case hitRight:
+        Cursor(cursorSizeLeftRight);
+        break;
+    case hitClient:
+        break;
+    default:
+        Cursor(cursorArrow);
+        break;
+    }
+    return Default(msgFrameMove, first, second);
+}
+
+int64_t ctrlWindow::OnKey(KeyEv event, uint32_t message, uint64_t first, int64_t second)
+{
+    const ctrlLife life(this);
+    if (DeliverKey(event, static_cast<uint32_t>(first)) || !life)
+        return 0;
+    return Default(message, first, second);
+}
+
+// A character beyond the basic plane comes in two halves, of which neither is delivered.
+int64_t ctrlWindow::OnChar(uint64_t first, int64_t second)
+{
+    constexpr uint64_t highFirst = 0xD800;
+    constexpr uint64_t lowFirst = 0xDC00;
+    constexpr uint64_t lowLast = 0xDFFF;
+    if (first >= highFirst && first < lowFirst) {
+        Toolkit().HighSurrogate = static_cast<uint32_t>(first);
+        return 0;
+    }
+    if (first >= lowFirst && first <= lowLast)
+        return Default(msgChar, first, second);
+    return OnKey(KeyEv::Char, msgChar, first, second);
+}
+
+int64_t ctrlWindow::OnSysCommand(uint64_t first, int64_t second)
+{
+    constexpr uint64_t undefinedBits = 0xF;
+    const uint64_t command = first & ~undefinedBits;
+    if (command == commandClose) {
+        CloseRequest();
+        return 0;
+    }
+    if ((command == commandMinimise || command == commandMaximise) && !HasState(stateMaximised)) {
+        RestoredX = X_;
+        RestoredY = Y_;
+    }
+    return Default(msgSysCommand, first, second);
+}
+
+int64_t ctrlWindow::OnGesture(uint64_t first, int64_t second)
+{
+    windowGesture gesture;
+    windowSystem& system = Toolkit().Windows();
+    if (!system.GestureRead(second, gesture))
+        return Default(msgGesture, first, second);
+    const ctrlLife life(this);
+    int32_t x = gesture.X - X_;
+    int32_t y = gesture.Y - Y_;
+    if (gesture.Kind == windowGestureKind::Begin) {
+        GestureTarget = HitTest(x, y);
+        GestureTarget->GestureBegin();
+    } else if (gesture.Kind == windowGestureKind::End) {
+        ctrlWindow* target = GestureTarget;
+        GestureTarget = nullptr;
+        if (target)
+            target->GestureEnd();
+    } else if (GestureTarget) {
+        for (const ctrlWindow* at = GestureTarget; at && at != this; at = at->Parent_) {
+            x -= at->X_;
+            y -= at->Y_;
+        }
+        Toolkit().MouseX = x;
+        Toolkit().MouseY = y;
+        if (gesture.Kind == windowGestureKind::Pan) {
+            GestureTarget->GesturePan(gesture.First, static_cast<uint32_t>(gesture.Kind));
+            system.GestureClose(second);
+            return 0;
+        }
+    }
+    return life ? Default(msgGesture, first, second) : 0;
+}
+
+int64_t ctrlWindow::OnMouseMove(uint64_t first, int64_t second)
+{
+    const ctrlToolkit::mouseMove move{this, windowPointX(second), windowPointY(second)};
+    if (Toolkit().LastMove == move)
+        return 0;
+    Toolkit().LastMove = move;
+    return OnMouse(MouseEv::Move, first, second);
+}
+
+int64_t ctrlWindow::OnMouse(MouseEv event, uint64_t first, int64_t second)
+{
+    Route(event, static_cast<unsigned>(low16(first)), windowPointX(second), windowPointY(second), 0);
+    return 0;
+}
+
+int64_t ctrlWindow::OnLeftDouble(uint64_t first, int64_t second)
+{
+    if (!HasState(stateMinimised))
+        return OnMouse(MouseEv::LeftDouble, first, second);
+    Toolkit().Windows().Show(Handle_, windowShow::Restore);
+    return 0;
+}
+
+int64_t ctrlWindow::OnWheel(uint64_t first, int64_t second)
+{
+    const int delta = static_cast<int16_t>(first >> 16 & 0xFFFF);
+    Route(MouseEv::Wheel, static_cast<unsigned>(low16(first)), windowPointX(second) - X_,
+          windowPointY(second) - Y_, delta);
+    return 0;
+}
+
+int64_t ctrlWindow::OnSizing(uint64_t first, int64_t second)
+{
+    auto* edges = reinterpret_cast<windowEdges*>(second);
+    const windowExtent thick = FrameThickness();
+    const auto client = [](int32_t length, int32_t thickness) {
+        return static_cast<uint32_t>(std::max(length - thickness, 0));
+    };
+    const auto width =
+        static_cast<int32_t>(ClampWidth(client(edges->Right - edges->Left, thick.Width))) + thick.Width;
+    const auto height =
+        static_cast<int32_t>(ClampHeight(client(edges->Bottom - edges->Top, thick.Height))) + thick.Height;
+    if (first == edgeLeft || first == edgeTopLeft || first == edgeBottomLeft)
+        edges->Left = edges->Right - width;
+    else
+        edges->Right = edges->Left + width;
+    if (first == edgeTop || first == edgeTopLeft || first == edgeTopRight)
+        edges->Top = edges->Bottom - height;
+    else
+        edges->Bottom = edges->Top + height;
+    return Default(msgSizing, first, second);
+}
+
+// The window keeps its size in pixels on another monitor; only what is drawn inside changes.
+int64_t ctrlWindow::OnScaledSize(int64_t second)
+{
+    auto* extent = reinterpret_cast<windowExtent*>(second);
+    const ctrlToolkit::pendingFrame& pending = Toolkit().Pending;
+    if (pending.UnderWay)
+        *extent = {pending.Frame.Right - pending.Frame.Left, pending.Frame.Bottom - pending.Frame.Top};
+    else
+        *extent = {static_cast<int32_t>(Width()), static_cast<int32_t>(Height())};
+    StateSet(stateLayout);
+    return 1;
+}
