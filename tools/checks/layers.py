@@ -21,13 +21,13 @@ ARROWS = {
     "toolkit": ("foundations", "platform"),
     "resources": ("toolkit",),
     "forms": ("resources", "toolkit", "link", "gnss", "foundations", "platform"),
-    "tools": ("toolkit", "link", "gnss", "foundations", "platform"),
+    "tools": ("resources", "toolkit", "link", "gnss", "foundations", "platform"),
     "tests/fakes": ("foundations/text", "platform"),
     # What only one system shows is tested from inside: these are part of their backend.
     **{f"tests/platform/{backend}": (f"platform/{backend}", "platform", "foundations", "tests")
        for backend in BACKENDS},
     "tests": ("tests/fakes", "tools", "forms", "resources", "toolkit", "link", "gnss", "foundations", "platform"),
-    "bench": ("forms", "toolkit", "link", "gnss", "foundations", "platform"),
+    "bench": ("tests", "forms", "toolkit", "link", "gnss", "foundations", "platform"),
     "fuzz": ("tests/fakes", "toolkit", "link", "gnss", "foundations", "platform"),
 }
 
