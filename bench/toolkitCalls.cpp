@@ -1,0 +1,32 @@
+// How many draws the toolkit asks for: for the whole form of toolkitLoad, and for one changed label.
+#include "bench/toolkitScene.h"
+#include "tests/fakes/fakeDraws.h"
+#include "tests/fakes/fakes.h"
+
+#include <cstdio>
+
+namespace {
+
+size_t drawsOf()
+{
+    fakeClearDraws();
+    Toolkit().PumpPending();
+    return fakeDraws().size();
+}
+
+}  // namespace
+
+int main()
+{
+    fakeReset();
+    auto* form = new sceneForm;
+    const size_t first = drawsOf();
+    std::printf("first paint: %zu draws, %zu brushes, %zu text formats\n", first, fakeBrushesMade(),
+                fakeFormatsMade());
+    form->InvalidateTree(true);
+    std::printf("whole repaint: %zu draws\n", drawsOf());
+    form->Labels.front()->Caption("1");
+    std::printf("one changed label: %zu draws\n", drawsOf());
+    delete form;
+    return 0;
+}
