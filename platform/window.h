@@ -163,6 +163,7 @@ public:
     // The client area's place on the screen; false without a window.
     virtual bool ClientArea(windowId window, windowEdges& area) = 0;
 
+    // A window that was hidden is asked to paint.
     virtual void Show(windowId window, windowShow how) = 0;
     virtual void Raise(windowId window) = 0;  // above all but the topmost, and active
 
@@ -183,7 +184,8 @@ public:
     // Asks for a msgPaint, soon; several requests make one.
     virtual void AskPaint(windowId window) = 0;
 
-    // Says that what was asked for is done: no msgPaint comes until the next request.
+    // Says that what was asked for is done: no msgPaint comes until the next request. Until then it comes
+    // again and again.
     virtual void PaintDone(windowId window) = 0;
 
     // Sends the msgPaint that was asked for, now. Nothing when none was.

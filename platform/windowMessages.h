@@ -23,7 +23,8 @@ struct windowMessage {
     int32_t ScreenY = 0;
 };
 
-// "Point" is x in the low 16 bits of Second and y in the next 16, both signed.
+// "Point" is x in the low 16 bits of Second and y in the next 16, both signed; the
+// bits above are undefined, so read it with windowPointX and windowPointY.
 enum : uint32_t {
     msgCreate = 1,
     msgMove = 3,      // Point: the client area's new place on the screen

@@ -1,6 +1,7 @@
 #include "tests/toolkit/toolkitTest.h"
 
 #include <array>
+#include <regex>
 #include <utility>
 
 namespace {
@@ -425,8 +426,9 @@ TEST_F(ctrlDestroyTest, AWindowThatTheSystemRefusesLivesWithoutAHandle)
     EXPECT_EQ(window->Handle(), 0U);
     EXPECT_EQ(window->Width(), 30U);
     const std::string told = fakeDebugText();
-    EXPECT_THAT(told, testing::MatchesRegex("ctrlWindow::ctrlWindow - Cannot create window in call from "
-                                            "[0-9A-F]{16}! - Error 1158 \\(00000486\\)\r\n"));
+    const std::regex text("ctrlWindow::ctrlWindow - Cannot create window in call from "
+                          "[0-9A-F]{16}! - Error 1158 \\(00000486\\)\r\n");
+    EXPECT_TRUE(std::regex_match(told, text)) << told;
     auto* inner = new ctrlWindow(window, 0, 0, 5, 5, 0);
     inner->Show();
     window->Show();
