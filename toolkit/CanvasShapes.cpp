@@ -111,11 +111,12 @@ void Canvas::Arc(float x, float y, float radius, float start, float end)
     const float step = sweep / static_cast<float>(pieces);
     const float distance = controlDistance(step);
     drawPoint curves[3 * quartersMost];
+    drawPoint* next = curves;
     for (int i = 0; i < pieces; ++i) {
         const float begin = from + step * static_cast<float>(i);
-        curves[3 * i] = round.Beside(begin, distance);
-        curves[3 * i + 1] = round.Beside(begin + step, -distance);
-        curves[3 * i + 2] = round.At(begin + step);
+        *next++ = round.Beside(begin, distance);
+        *next++ = round.Beside(begin + step, -distance);
+        *next++ = round.At(begin + step);
     }
     const auto used = std::span(curves).first(3 * static_cast<size_t>(pieces));
     Target->DrawFigure({round.At(from), {}, used, false, false}, Brush, Pen());

@@ -371,6 +371,8 @@ private:
     int64_t OnSysCommand(uint64_t first, int64_t second);
     int64_t OnGesture(uint64_t first, int64_t second);
     int64_t OnMouseMove(uint64_t first, int64_t second);
+    int64_t OnFrameOrInput(uint32_t message, uint64_t first, int64_t second);
+    int64_t OnButton(uint32_t message, uint64_t first, int64_t second);
     int64_t OnMouse(MouseEv event, uint64_t first, int64_t second);
     int64_t OnLeftDouble(uint64_t first, int64_t second);
     int64_t OnWheel(uint64_t first, int64_t second);

@@ -54,7 +54,6 @@ int64_t ctrlWindow::Default(uint32_t message, uint64_t first, int64_t second)
 
 int64_t ctrlWindow::WindowProc(uint32_t message, uint64_t first, int64_t second)
 {
-    const bool framed = HasFlag(ctrlFramed);
     switch (message) {
     case msgMove:
         return OnMove(first, second);
@@ -92,6 +91,23 @@ int64_t ctrlWindow::WindowProc(uint32_t message, uint64_t first, int64_t second)
         return OnSizeLimits(second);
     case msgPosChanging:
         return OnPosChanging(first, second);
+    case msgSizing:
+        return OnSizing(first, second);
+    case msgCaptureChanged:
+        CaptureHolder = nullptr;
+        return 0;
+    case msgScaledSize:
+        return OnScaledSize(second);
+    default:
+        return OnFrameOrInput(message, first, second);
+    }
+}
+
+// What the user does: to the frame, by keys, by touch, and by the mouse.
+int64_t ctrlWindow::OnFrameOrInput(uint32_t message, uint64_t first, int64_t second)
+{
+    const bool framed = HasFlag(ctrlFramed);
+    switch (message) {
     case msgFrameSize:
     case msgFramePaint:
     case msgFrameLeftDown:
@@ -112,36 +128,32 @@ int64_t ctrlWindow::WindowProc(uint32_t message, uint64_t first, int64_t second)
         return OnGesture(first, second);
     case msgMouseMove:
         return OnMouseMove(first, second);
-    case msgLeftDown:
-        return OnMouse(MouseEv::LeftDown, first, second);
-    case msgLeftUp:
-        return OnMouse(MouseEv::LeftUp, first, second);
     case msgLeftDouble:
         return OnLeftDouble(first, second);
-    case msgRightDown:
-        return OnMouse(MouseEv::RightDown, first, second);
-    case msgRightUp:
-        return OnMouse(MouseEv::RightUp, first, second);
-    case msgRightDouble:
-        return OnMouse(MouseEv::RightDouble, first, second);
-    case msgMiddleDown:
-        return OnMouse(MouseEv::MiddleDown, first, second);
-    case msgMiddleUp:
-        return OnMouse(MouseEv::MiddleUp, first, second);
-    case msgMiddleDouble:
-        return OnMouse(MouseEv::MiddleDouble, first, second);
     case msgMouseWheel:
         return OnWheel(first, second);
-    case msgSizing:
-        return OnSizing(first, second);
-    case msgCaptureChanged:
-        CaptureHolder = nullptr;
-        return 0;
-    case msgScaledSize:
-        return OnScaledSize(second);
     default:
-        return Default(message, first, second);
+        return OnButton(message, first, second);
     }
+}
+
+int64_t ctrlWindow::OnButton(uint32_t message, uint64_t first, int64_t second)
+{
+    struct row {
+        uint32_t Message;
+        MouseEv Event;
+    };
+    constexpr row rows[] = {
+        {msgLeftDown, MouseEv::LeftDown},       {msgLeftUp, MouseEv::LeftUp},
+        {msgRightDown, MouseEv::RightDown},     {msgRightUp, MouseEv::RightUp},
+        {msgRightDouble, MouseEv::RightDouble}, {msgMiddleDown, MouseEv::MiddleDown},
+        {msgMiddleUp, MouseEv::MiddleUp},       {msgMiddleDouble, MouseEv::MiddleDouble},
+    };
+    for (const row& one : rows) {
+        if (one.Message == message)
+            return OnMouse(one.Event, first, second);
+    }
+    return Default(message, first, second);
 }
 
 int64_t ctrlWindow::OnMove(uint64_t first, int64_t second)

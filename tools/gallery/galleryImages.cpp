@@ -63,12 +63,12 @@ private:
             break;
         case 16: {
             const uint32_t pixel = (level >> 3) << 11 | (level >> 2) << 5 | blue >> 3;
-            row[2 * x] = byte(pixel);
-            row[2 * x + 1] = byte(pixel >> 8);
+            row[size_t{2} * x] = byte(pixel);
+            row[size_t{2} * x + 1] = byte(pixel >> 8);
             break;
         }
         default: {
-            const uint32_t step = static_cast<uint32_t>(Image.Bits) / 8;
+            const size_t step = static_cast<size_t>(Image.Bits) / 8;
             row[step * x] = byte(blue);
             row[step * x + 1] = byte(level);
             row[step * x + 2] = byte(level);

@@ -55,7 +55,7 @@ private:
         Boxed({8, 132, 156, 150}, "A text that is much longer than its box", textLeft | textTrim);
         Boxed({162, 132, 310, 150}, "/records/surveyor/2026/november/antenna.ubx", textLeft | textTrim);
         Boxed({8, 156, 156, 174}, "A text that is much longer than its box", textLeft);
-        Boxed({162, 156, 310, 174}, "C:\\Records\\2026/11\\with\\slashes\\antenna.ubx", textLeft | textTrim);
+        Boxed({162, 156, 310, 174}, R"(C:\Records\2026/11\with\slashes\antenna.ubx)", textLeft | textTrim);
     }
 
     void PaintTurned()
