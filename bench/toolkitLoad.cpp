@@ -143,7 +143,7 @@ void measureLoad(sceneForm& form, unsigned seconds)
 
 int main(int count, char** arguments)
 {
-    constexpr unsigned usualSeconds = 10;
+    constexpr long usualSeconds = 10;
     const long asked = count > 1 ? std::strtol(arguments[1], nullptr, 10) : usualSeconds;
     if (count > 2 || asked < 1 || asked > 3600) {
         std::fprintf(stderr, "usage: toolkitLoad [SECONDS]\n");
