@@ -137,8 +137,6 @@ ctrlWindow::~ctrlWindow()
 {
     *Life = nullptr;
     ctrlToolkit& toolkit = Toolkit();
-    if (toolkit.Focused == this)
-        toolkit.Focused = nullptr;
     // The pump below must not delete those that this one belongs to either.
     StateSet(stateClosing | stateInMessage);
     CaptureRelease();
@@ -153,6 +151,8 @@ ctrlWindow::~ctrlWindow()
     while (FirstChild_)
         delete FirstChild_;
     Canvas::DeviceRelease();
+    // Once more: what was pumped may have given it the focus, or moved the mouse over it.
+    ForgetInput();
     Unlink();
     if (!native) {
         Parent_->InvalidateLayout();
@@ -170,6 +170,8 @@ void ctrlWindow::ForgetInput()
 {
     ctrlToolkit& toolkit = Toolkit();
     toolkit.ForgetDeferred(this);
+    if (toolkit.Focused == this)
+        toolkit.Focused = nullptr;
     if (toolkit.LastMove.Window == this)
         toolkit.LastMove = {};
     ctrlWindow* root = Root();

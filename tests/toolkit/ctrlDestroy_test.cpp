@@ -419,6 +419,28 @@ TEST_F(ctrlDestroyTest, NobodyRemembersAControlThatWent)
     EXPECT_EQ(fakeGesturesOpen(), 0U);
 }
 
+// Its owned windows go by the pump, and what is heard there may turn to the window itself.
+TEST_F(ctrlDestroyTest, AWindowThatGetsTheFocusWhileItGoesIsNotRemembered)
+{
+    auto* owned = new touchy(Main, 300, 300, 50, 50, ctrlFloating);
+    owned->Show();
+    owned->Focus();
+    unsigned turns = 0;
+    owned->OnEnd = [this, &turns] {
+        fakeMouseMove(Main->X() + 60, Main->Y() + 5);
+        Toolkit().Windows().SetFocus(Main->Handle());
+        EXPECT_EQ(Toolkit().Focused, Main);
+        Main->CaptureTake();
+        Toolkit().PumpPending();
+        ++turns;
+    };
+    delete Main;
+    EXPECT_EQ(turns, 1U);
+    EXPECT_EQ(Toolkit().Focused, nullptr);
+    EXPECT_EQ(Toolkit().LastMove.Window, nullptr);
+    EXPECT_EQ(Toolkit().Windows().Capture(), 0U);
+}
+
 TEST_F(ctrlDestroyTest, AWindowThatTheSystemRefusesLivesWithoutAHandle)
 {
     fakeFail("windowCreate");
