@@ -208,6 +208,22 @@ TEST(simNvsReceiver, TellsItsAccuracyAndItsVersion)
     EXPECT_GE(version.size(), 4u);
 }
 
+// Or nobody on a slow line would learn whom to ask for the version.
+TEST(simNvsReceiver, TellsItsAccuracyOnALineThatIsTooSlowForAllSentences)
+{
+    constexpr size_t halfSecond = 240;  // at 4800 baud
+    host host(simModel::NVS);
+    host.Receiver->BacklogLimit = halfSecond;
+    for (int second = 0; second < 3; ++second) {
+        const hostBytes heard = host.Wait(1);
+        const std::vector<std::string> sentences = nmeaHear(heard);
+        EXPECT_EQ(nmeaFind(heard, "PORZD")[1], "A");
+        EXPECT_LT(heard.size(), 2 * halfSecond) << "each sentence is weighed for itself";
+        EXPECT_GT(heard.size(), halfSecond);
+        EXPECT_EQ(sentences.front().substr(0, 5), "GNRMC");
+    }
+}
+
 TEST(simNvsReceiver, SendsSentencesAsOftenAsItIsTold)
 {
     host host(simModel::NVS);

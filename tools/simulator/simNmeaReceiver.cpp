@@ -12,6 +12,8 @@ constexpr simNmeaStyle GenericStyle = {
     .Signals = true, .Mixed = true, .MinuteDecimals = 4, .SecondDecimals = 2};
 constexpr simNmeaStyle NvsStyle = {.Signals = false, .Mixed = true, .MinuteDecimals = 5, .SecondDecimals = 2};
 
+constexpr char Accuracy[] = "RZD";
+
 using sentenceMaker = std::string (*)(const simEpoch&, const simNmeaStyle&);
 
 struct sentenceRow {
@@ -25,13 +27,19 @@ constexpr sentenceRow Sentences[] = {
 };
 
 // $PORZD,A,003.1*3C: whether the solution is good, and its error in metres.
-std::string AccuracyText(const simEpoch& epoch)
+std::string AccuracyText(const simEpoch& epoch, const simNmeaStyle&)
 {
     return simNmeaSentence("P", "ORZD")
         .Text(epoch.Fixed ? "A" : "V")
         .Real(epoch.Fixed ? epoch.HorizontalAccuracy : 999.9, 1, 3)
         .Finished();
 }
+
+// The short ones come first: what comes last is lost at each solution where the line is too slow for all.
+constexpr sentenceRow NvsSentences[] = {
+    {"RMC", simNmeaRMC}, {"GGA", simNmeaGGA}, {Accuracy, AccuracyText}, {"GSA", simNmeaGSA},
+    {"GSV", simNmeaGSV}, {"GLL", simNmeaGLL}, {"ZDA", simNmeaZDA},
+};
 
 }  // namespace
 
@@ -41,10 +49,20 @@ void simNmeaReceiver::OnBytes(std::span<const uint8_t> fromHost)
         OnCommand(simNmeaFields(body));
 }
 
+// A line that is too slow takes some sentences of a list and loses the others.
+void simNmeaReceiver::SendSentences(std::string_view text)
+{
+    while (!text.empty()) {
+        const size_t length = std::min(text.find('\n'), text.size() - 1) + 1;
+        SendText(text.substr(0, length), kind::Periodic);
+        text.remove_prefix(length);
+    }
+}
+
 void simNmeaReceiver::OnEpoch(const simEpoch& epoch)
 {
     for (const sentenceRow& row : Sentences)
-        SendText(row.Make(epoch, GenericStyle), kind::Periodic);
+        SendSentences(row.Make(epoch, GenericStyle));
 }
 
 bool simNmeaReceiver::Hears(simSystem system, const simSignal& signal) const
@@ -63,19 +81,18 @@ void simNvsReceiver::PowerUp()
 {
     simNmeaReceiver::PowerUp();
     Rates.clear();
-    for (const sentenceRow& row : Sentences)
+    for (const sentenceRow& row : NvsSentences)
         Rates[row.Name] = 1;
     Solutions = 0;
 }
 
 void simNvsReceiver::OnEpoch(const simEpoch& epoch)
 {
-    for (const sentenceRow& row : Sentences) {
+    for (const sentenceRow& row : NvsSentences) {
         const unsigned rate = Rates[row.Name];
         if (rate != 0 && Solutions % rate == 0)
-            SendText(row.Make(epoch, NvsStyle), kind::Periodic);
+            SendSentences(row.Make(epoch, NvsStyle));
     }
-    SendText(AccuracyText(epoch), kind::Periodic);
     ++Solutions;
 }
 

@@ -24,7 +24,8 @@ protected:
 
     virtual void OnCommand(const std::vector<std::string_view>& fields);
 
-    void SendText(const std::string& text, kind why) { Send(simBytesOf(text), why); }
+    void SendText(std::string_view text, kind why) { Send(simBytesOf(text), why); }
+    void SendSentences(std::string_view text);
 
 private:
     simNmeaParser Parser;
