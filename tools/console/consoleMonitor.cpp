@@ -219,7 +219,11 @@ void consoleMonitor::EndGroup()
     if (now - LastBytes < PauseNs && now - GroupBegan < LongestGroupNs)
         return;
     GroupBegan = 0;
-    if (OnGroup && Comm.Detected != 0)
+    if (Comm.Detected == 0)
+        return;
+    // An answer that names the model need not bring data.
+    Say(ModelStatus());
+    if (OnGroup)
         OnGroup();
 }
 

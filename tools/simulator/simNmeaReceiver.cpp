@@ -37,8 +37,8 @@ std::string AccuracyText(const simEpoch& epoch, const simNmeaStyle&)
 
 // The short ones come first: what comes last is lost at each solution where the line is too slow for all.
 constexpr sentenceRow NvsSentences[] = {
-    {"RMC", simNmeaRMC}, {"GGA", simNmeaGGA}, {Accuracy, AccuracyText}, {"GSA", simNmeaGSA},
-    {"GSV", simNmeaGSV}, {"GLL", simNmeaGLL}, {"ZDA", simNmeaZDA},
+    {"RMC", simNmeaRMC}, {"GGA", simNmeaGGA}, {"GLL", simNmeaGLL}, {Accuracy, AccuracyText},
+    {"ZDA", simNmeaZDA}, {"GSA", simNmeaGSA}, {"GSV", simNmeaGSV},
 };
 
 }  // namespace
