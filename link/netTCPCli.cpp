@@ -65,6 +65,8 @@ socketAddress netTCPCli::GetAddress() const
 void netTCPCli::Adopt(socketHandle socket, const socketAddress& peer)
 {
     SetAddress(peer);
+    // Others may send before the thread of this connection runs, and must not wait for the peer.
+    socketSetNonBlocking(socket);
     Socket = socket;
 }
 

@@ -106,6 +106,26 @@ TEST_F(netTCPSrvTest, TakesEveryPeerThatComes)
     EXPECT_EQ(fakeSocketHandles(), 0U);
 }
 
+// Its own thread has not begun then, and a server that serves others must not wait for one.
+TEST_F(netTCPSrvTest, SendingToAPeerThatWasJustTakenNeverWaits)
+{
+    std::atomic<bool> sent{false};
+    const auto noted = Server.OnAccepted;
+    Server.OnAccepted = [&sent, &noted](netTCPCli& client) {
+        constexpr uint8_t bytes[] = {1, 2, 3, 4};
+        client.Send(bytes, sizeof bytes);
+        sent = true;
+        noted(client);
+    };
+    fakeSendRoom(0);
+    ListenAndAwait();
+    Join();
+    EXPECT_TRUE(await([&sent] { return sent.load(); }));
+    fakeSendRoom(1'000);
+    EXPECT_TRUE(AwaitAccepted(1));
+    Server.Stop(true);
+}
+
 TEST_F(netTCPSrvTest, ShutsDownARejectedPeerWithoutAnyData)
 {
     Server.OnAccepting = [](const socketAddress&) { return false; };
