@@ -234,7 +234,11 @@ void ctrlWindow::Destroy()
     if (StateSet(stateClosing) & stateClosing)
         return;
     if (!Handle_) {
-        delete this;
+        // Its destructor could not see the end of a window that it owns and that is in a message.
+        if (MayBeDeleted())
+            delete this;
+        else
+            Toolkit().DeferDelete(this);
         return;
     }
     const ctrlLife life(this);

@@ -150,7 +150,7 @@ bool ctrlWindow::PaintChildren(bool all)
     std::vector<rect> painted;
     for (ctrlWindow* child = FirstChild_; child;) {
         const rect area = child->Area();
-        bool wanted = child->IsShown() && rectMeet(area, Surface());
+        bool wanted = child->IsShown() && !child->HasState(stateClosing) && rectMeet(area, Surface());
         if (wanted && !all && !child->HasState(stateDirty | stateDirtyBelow)) {
             wanted = false;
             for (const rect& one : painted)

@@ -441,6 +441,39 @@ TEST_F(ctrlDestroyTest, AWindowThatGetsTheFocusWhileItGoesIsNotRemembered)
     EXPECT_EQ(Toolkit().Windows().Capture(), 0U);
 }
 
+// As a list that has dropped down does, whose choice ends the control that it belongs to.
+TEST_F(ctrlDestroyTest, AControlMayGoInAMessageOfAWindowThatItOwns)
+{
+    auto* owned = new touchy(Child, 300, 300, 50, 50, ctrlFloating);
+    owned->Show();
+    Drawn();
+    const ctrlLife child(Child);
+    const ctrlLife popup(owned);
+    owned->OnMouse = [this, &child] {
+        Child->Destroy();
+        EXPECT_TRUE(child) << "until the message is over";
+    };
+    fakeMouseMove(Main->X() + 310, Main->Y() + 310);
+    fakeMouseMove(owned->X() + 5, owned->Y() + 5);
+    Toolkit().PumpPending();
+    EXPECT_FALSE(child);
+    EXPECT_FALSE(popup);
+}
+
+// A control that waits for its own windows to go is in its parent's list while others are painted.
+TEST_F(ctrlDestroyTest, TheWindowIsPaintedOnceWhileAControlInItGoes)
+{
+    auto* owned = new touchy(Child, 300, 300, 50, 50, ctrlFloating);
+    owned->Show();
+    Drawn();
+    unsigned paints = 0;
+    Main->OnPaint = [&paints] { ASSERT_LT(++paints, 10U); };
+    Main->Invalidate(true);
+    Child->Destroy();
+    Toolkit().PumpPending();
+    EXPECT_GT(paints, 0U);
+}
+
 TEST_F(ctrlDestroyTest, AWindowThatTheSystemRefusesLivesWithoutAHandle)
 {
     fakeFail("windowCreate");
