@@ -17,6 +17,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // Handles a message; what it gives depends on the message. Called on the interface thread alone.
 using windowReceiver = int64_t (*)(const windowMessage& message);
@@ -91,6 +92,23 @@ struct windowCursorShape {
     uint32_t HotY = 0;
     uint32_t And[32] = {};
     uint32_t Xor[32] = {};
+};
+
+using iconId = uint64_t;  // 0 is none
+
+// The picture of a window where windows are listed: 0xAARRGGBB, rows from the top, not multiplied by alpha.
+struct windowIconShape {
+    static constexpr uint32_t LargestSide = 256;
+
+    uint32_t Width = 0;
+    uint32_t Height = 0;
+    std::vector<uint32_t> Pixels;
+
+    bool IsValid() const
+    {
+        return Width > 0 && Height > 0 && Width <= LargestSide && Height <= LargestSide &&
+               Pixels.size() == size_t{Width} * Height;
+    }
 };
 
 enum class windowGestureKind : uint32_t {
@@ -219,6 +237,13 @@ public:
     virtual cursorId MakeCursor(const windowCursorShape& shape) = 0;
     virtual void DestroyCursor(cursorId cursor) = 0;
     virtual void SetCursor(cursorId cursor) = 0;  // in the window that the mouse is in
+
+    // --- Icons
+
+    // 0 for a shape that is not valid, and when the system has no room.
+    virtual iconId MakeIcon(const windowIconShape& shape) = 0;
+    virtual void DestroyIcon(iconId icon) = 0;               // of no window any more
+    virtual void SetIcon(windowId window, iconId icon) = 0;  // 0 takes it away
 
     // --- Monitors
 

@@ -47,6 +47,7 @@ enum : uint32_t {
     msgPosChanged = 71,
     msgStyleChanging = 124,
     msgStyleChanged = 125,
+    msgGetIcon = 127,
     msgFrameSize = 131,
     msgFrameHit = 132,  // Point on the screen; the result is a hit code
     msgFramePaint = 133,

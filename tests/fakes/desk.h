@@ -11,6 +11,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <thread>
 #include <utility>
@@ -84,6 +85,8 @@ struct deskState {
     cursorId Cursor = 0;
     cursorId LastCursor = 0;
     std::map<cursorId, windowCursorShape> Cursors;
+    std::set<iconId> Icons;
+    iconId LastIcon = 0;
     std::optional<std::string> Clipboard;
     std::vector<std::pair<std::string, std::string>> Alerts;
 };

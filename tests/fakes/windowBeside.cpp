@@ -54,6 +54,30 @@ void scriptedWindows::DestroyCursor(cursorId cursor)
     desk->Cursors.erase(cursor);
 }
 
+iconId scriptedWindows::MakeIcon(const windowIconShape& shape)
+{
+    const bool refused =
+        enter("windowMakeIcon", std::to_string(shape.Width) + ',' + std::to_string(shape.Height)).Scripted;
+    if (refused || !shape.IsValid())
+        return 0;
+    const desk desk;
+    desk->Icons.insert(++desk->LastIcon);
+    return desk->LastIcon;
+}
+
+void scriptedWindows::DestroyIcon(iconId icon)
+{
+    if (!windowEnter("windowDestroyIcon", icon))
+        return;
+    const desk desk;
+    desk->Icons.erase(icon);
+}
+
+void scriptedWindows::SetIcon(windowId window, iconId icon)
+{
+    windowEnter("windowSetIcon", window, std::to_string(icon));
+}
+
 void scriptedWindows::SetCursor(cursorId cursor)
 {
     if (!windowEnter("windowSetCursor", cursor))

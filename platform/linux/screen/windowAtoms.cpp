@@ -19,6 +19,7 @@ constexpr std::string_view Names[] = {
     "_NET_SUPPORTED",
     "_NET_WM_NAME",
     "_NET_WM_ICON_NAME",
+    "_NET_WM_ICON",
     "_NET_WM_PID",
     "_NET_WM_WINDOW_TYPE",
     "_NET_WM_WINDOW_TYPE_NORMAL",

@@ -14,6 +14,7 @@ enum windowAtom {
     atomNetSupported,
     atomNetName,
     atomNetIconName,
+    atomNetIcon,
     atomNetPid,
     atomNetType,
     atomNetTypeNormal,

@@ -90,6 +90,34 @@ void systemWindows::SetCursor(cursorId cursor)
     ::SetCursor(reinterpret_cast<HCURSOR>(cursor));
 }
 
+iconId systemWindows::MakeIcon(const windowIconShape& shape)
+{
+    if (!shape.IsValid())
+        return 0;
+    const auto width = static_cast<int>(shape.Width);
+    const auto height = static_cast<int>(shape.Height);
+    // The mask is not looked at where pixels have an alpha; it must be there.
+    const std::vector<uint8_t> mask(size_t{shape.Width + 15} / 16 * 2 * shape.Height);
+    ICONINFO parts = {};
+    parts.fIcon = TRUE;
+    parts.hbmColor = CreateBitmap(width, height, 1, 32, shape.Pixels.data());
+    parts.hbmMask = CreateBitmap(width, height, 1, 1, mask.data());
+    const auto icon = reinterpret_cast<iconId>(CreateIconIndirect(&parts));
+    DeleteObject(parts.hbmColor);
+    DeleteObject(parts.hbmMask);
+    return icon;
+}
+
+void systemWindows::DestroyIcon(iconId icon)
+{
+    ::DestroyIcon(reinterpret_cast<HICON>(icon));
+}
+
+void systemWindows::SetIcon(windowId window, iconId icon)
+{
+    SendMessageW(systemWindow(window), WM_SETICON, ICON_BIG, static_cast<LPARAM>(icon));
+}
+
 bool systemWindows::WorkAreaOf(windowId window, windowArea& area)
 {
     return workAreaOf(MonitorFromWindow(systemWindow(window), MONITOR_DEFAULTTONULL), area);

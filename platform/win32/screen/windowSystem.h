@@ -49,6 +49,9 @@ public:
     cursorId MakeCursor(const windowCursorShape& shape) override;
     void DestroyCursor(cursorId cursor) override;
     void SetCursor(cursorId cursor) override;
+    iconId MakeIcon(const windowIconShape& shape) override;
+    void DestroyIcon(iconId icon) override;
+    void SetIcon(windowId window, iconId icon) override;
 
     bool WorkAreaOf(windowId window, windowArea& area) override;
     bool WorkAreaAt(int32_t x, int32_t y, windowArea& area) override;

@@ -78,6 +78,34 @@ TEST_F(windowBeside, MakesCursors)
     Pump();
 }
 
+TEST_F(windowBeside, GivesAWindowAnIconAndTakesItAway)
+{
+    windowIconShape shape;
+    shape.Width = 33;
+    shape.Height = 16;
+    for (uint32_t i = 0; i < shape.Width * shape.Height; ++i)
+        shape.Pixels.push_back(0x80000000U | i);
+    const iconId icon = System->MakeIcon(shape);
+    ASSERT_NE(icon, 0u);
+    const iconId other = System->MakeIcon({1, 1, {0xFFFFFFFF}});
+    EXPECT_NE(other, icon);
+    System->SetIcon(Window, icon);
+    System->SetIcon(Window, other);
+    System->SetIcon(Window, 0);
+    System->DestroyIcon(icon);
+    System->DestroyIcon(other);
+    System->DestroyIcon(0);
+    Pump();
+}
+
+TEST_F(windowBeside, MakesNoIconOfAShapeThatIsNone)
+{
+    EXPECT_EQ(System->MakeIcon({}), 0u);
+    EXPECT_EQ(System->MakeIcon({2, 2, {1, 2, 3}}), 0u);
+    EXPECT_EQ(System->MakeIcon({257, 1, std::vector<uint32_t>(257)}), 0u);
+    EXPECT_EQ(System->MakeIcon({0, 1, {}}), 0u);
+}
+
 TEST_F(windowBeside, TakesNoCursorForNone)
 {
     System->SetCursor(0);
