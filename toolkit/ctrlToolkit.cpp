@@ -87,7 +87,7 @@ void ctrlToolkit::Remove(ctrlWindow* window)
         last = WindowsAll.empty();
     }
     if (last)
-        Timer.Stop();
+        TimerStop();
 }
 
 void ctrlToolkit::Sweep()
@@ -287,6 +287,22 @@ void ctrlToolkit::SweepSoon()
 {
     if (!Deferred.empty())
         Post([] {}, true);
+}
+
+void ctrlToolkit::TimerTake(uint32_t milliseconds, std::function<void()> tick, std::function<void()> lost)
+{
+    TimerStop();
+    TimerLost = std::move(lost);
+    Timer.OnTick = std::move(tick);
+    Timer.Period = milliseconds;
+    Timer.Start();
+}
+
+void ctrlToolkit::TimerStop()
+{
+    Timer.Stop();
+    if (const std::function<void()> lost = std::exchange(TimerLost, {}))
+        lost();
 }
 
 cursorId ctrlToolkit::Cursor(unsigned id)

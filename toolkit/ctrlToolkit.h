@@ -47,6 +47,13 @@ public:
     // the last window is gone, or the system is.
     bool PumpOne(bool wait);
 
+    // --- For controls
+
+    // Takes over the timer, of which there is one. `tick` runs on its thread, and must not wait for this one.
+    // Who has the timer loses it to the next who takes or stops it, and is told by `lost`. Interface thread.
+    void TimerTake(uint32_t milliseconds, std::function<void()> tick, std::function<void()> lost = {});
+    void TimerStop();
+
     // --- For ctrlWindow
 
     // A frame that the toolkit itself is asking for, which the system must not correct.
@@ -80,7 +87,7 @@ public:
 
     mutable thrSpin Lock;   // the window list and all sibling lists; held for moments, never over a call out
     windowArea WorkArea{};  // of the desktop, read once
-    thrTimer Timer;         // whoever needs it takes it over
+    thrTimer Timer;         // its period may be changed while it is held
     ctrlWindow* Focused = nullptr;
     bool FocusMoving = false;  // the toolkit itself is moving the system's focus
     int32_t MouseX = 0;        // the last routed position, in the target's coordinates
@@ -105,6 +112,7 @@ private:
     std::list<posted> TakeDue(windowId window);
 
     std::unique_ptr<windowSystem> System;
+    std::function<void()> TimerLost;
     std::atomic<uint64_t> InterfaceThread{0};
     std::vector<ctrlWindow*> WindowsAll;
     std::vector<ctrlWindow*> Deferred;

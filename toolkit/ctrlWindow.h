@@ -12,10 +12,11 @@
 // - A native window is deleted by the pump, when the message that Destroy posted comes and neither a message
 //   of that window nor a modal run of it is going on; by the end of Modal, without ctrlKeep; or with the
 //   toolkit.
-// - Destroy on a child control deletes it at once, also from a handler of its own. A handler, and every
-//   override, may delete any control: after a call that can run one (OnNotify, OnDoubleClick, KeyEvent,
-//   MouseEvent, Focused, Layout, Move, Show, Hide, Modal, the pumps), a control that goes on must first ask a
-//   ctrlLife that it took before. This class does so everywhere.
+// - Destroy on a child control deletes it at once, also from a handler of its own; but where a window that
+//   it owns is in a message, at the end of that message. A handler, and every override, may delete any
+//   control: after a call that can run one (OnNotify, OnDoubleClick, KeyEvent, MouseEvent, Focused, Layout,
+//   Move, Show, Hide, Modal, the pumps), a control that goes on must first ask a ctrlLife that it took
+//   before. This class does so everywhere.
 // - Closures on their way to the interface thread name a control by its ctrlLife; those of one that is gone
 //   do nothing.
 #pragma once
@@ -92,6 +93,8 @@ enum : unsigned {
     notifyPainted = 2,
     notifyRightClick = 3,
     notifyResized = 4,
+    notifyOpening = 5,      // a combo box is about to show its rows
+    notifyPageChanged = 9,  // another page of a ctrlPage is shown
 };
 
 enum class KeyEv : uint8_t {
@@ -230,6 +233,8 @@ public:
     void Height(uint32_t height);
     void HeightRange(uint32_t least, uint32_t most);  // 0 as the most is no limit
     void WidthRange(uint32_t least, uint32_t most);
+    uint32_t ClampWidth(uint32_t width) const;  // into its range
+    uint32_t ClampHeight(uint32_t height) const;
     void Centre();
     void ChildOrder(ctrlWindow* child, unsigned index);
     bool ScreenPoint(int32_t& x, int32_t& y, windowArea& area) const;
@@ -260,6 +265,7 @@ public:
     void CaptureTake();
     void CaptureRelease();
     bool CaptureHeld() const;
+    bool CaptureHeldBelow() const;  // by this control, or by one in it
     static void Cursor(uint8_t id);
 
     // --- Tree
@@ -277,6 +283,9 @@ public:
     // --- For the toolkit
 
     static int64_t Receive(const windowMessage& message);
+
+    // Gives a mouse event, with its position in this control's coordinates, to the control that it is for.
+    void Route(MouseEv event, unsigned keys, int32_t x, int32_t y, int delta);
     bool IsPaintOverdue(int64_t askedBefore) const;
     void PaintOverdue();
     bool MayBeDeleted() const;
@@ -285,6 +294,14 @@ protected:
     // Sets bits, or clears them; what was there before.
     uint32_t StateSet(uint32_t bits) { return State_.fetch_or(bits); }
     uint32_t StateClear(uint32_t bits) { return State_.fetch_and(~bits); }
+
+    // Stores style bits without a repaint.
+    void StyleStore(uint32_t set, uint32_t clear)
+    {
+        Style_.fetch_or(set);
+        Style_.fetch_and(~clear);
+    }
+    bool IsShown() const { return HasState(stateVisible); }
 
     // --- For Paint
 
@@ -295,10 +312,17 @@ protected:
     void DropArrow();
     void ColourEnabled(colour value, bool mindEnabled);
 
+    // What the border takes on each side.
+    uint32_t BorderThickness() const;
+
     rect PaintRect;  // what is still free to paint in
     uint32_t PreferredHeight_ = 0;
     uint32_t PreferredWidth_ = 0;
     const uint32_t Flags;
+    ctrlBorder BorderStyle_ = ctrlBorder::None;
+    uint32_t BorderWidth_ = 1;
+    colour BackColour_ = colourDefault;
+    colour BorderColour_ = colourDefault;
 
 private:
     friend class ctrlLife;
@@ -322,9 +346,6 @@ private:
 
     rect Area() const;     // in the parent's coordinates
     rect Surface() const;  // from 0, 0
-    bool IsShown() const { return HasState(stateVisible); }
-    uint32_t ClampWidth(uint32_t width) const;
-    uint32_t ClampHeight(uint32_t height) const;
     void StoreSize(uint32_t width, uint32_t height);
     void FollowParent(int32_t widthChange, int32_t heightChange);
 
@@ -380,7 +401,6 @@ private:
     int64_t OnScaledSize(int64_t second);
 
     bool DeliverKey(KeyEv event, uint32_t key);
-    void Route(MouseEv event, unsigned keys, int32_t x, int32_t y, int delta);
     ctrlWindow* HitTest(int32_t& x, int32_t& y);
     ctrlWindow* RouteTarget(int32_t& x, int32_t& y);
     void FocusByPress(ctrlWindow* target);
@@ -400,11 +420,7 @@ private:
     uint8_t Frame_ = 0;
     bool Active = false;
     std::atomic<bool> Enabled{true};
-    ctrlBorder BorderStyle_ = ctrlBorder::None;
-    colour BackColour_ = colourDefault;
     uint32_t Fade_ = 0;  // percent
-    colour BorderColour_ = colourDefault;
-    uint32_t BorderWidth_ = 1;
     uint32_t HeightMost = 0;
     uint32_t HeightLeast = 0;
     int32_t X_ = 0;

@@ -64,6 +64,19 @@ void ctrlWindow::BorderWidth(uint32_t width)
     Invalidate(true);
 }
 
+uint32_t ctrlWindow::BorderThickness() const
+{
+    switch (BorderStyle_) {
+    case ctrlBorder::None:
+        return 0;
+    case ctrlBorder::Etched:
+    case ctrlBorder::Ridged:
+        return 2 * BorderWidth_;
+    default:
+        return BorderWidth_;
+    }
+}
+
 void ctrlWindow::Fade(uint32_t value)
 {
     const uint32_t kept = std::min(value, percent);

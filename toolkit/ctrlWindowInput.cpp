@@ -197,6 +197,12 @@ bool ctrlWindow::CaptureHeld() const
     return Root()->CaptureHolder == this;
 }
 
+bool ctrlWindow::CaptureHeldBelow() const
+{
+    const ctrlWindow* holder = Root()->CaptureHolder;
+    return holder && holder->IsBelow(this);
+}
+
 void ctrlWindow::CaptureTake()
 {
     if (!IsVisible() || !IsEnabled())

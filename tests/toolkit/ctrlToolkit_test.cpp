@@ -120,6 +120,29 @@ TEST_F(ctrlToolkitTest, TheTimerStopsWithTheLastWindow)
     Toolkit().Timer.Wait(0);
 }
 
+TEST_F(ctrlToolkitTest, WhoLosesTheTimerIsTold)
+{
+    Shown();
+    std::vector<int> lost;
+    std::atomic<int> ticks{0};
+    Toolkit().TimerTake(
+        60'000, [] {}, [&lost] { lost.push_back(1); });
+    Toolkit().TimerTake(
+        50'000, [&ticks] { ++ticks; }, [&lost] { lost.push_back(2); });
+    EXPECT_EQ(lost, std::vector<int>({1}));
+    EXPECT_EQ(Toolkit().Timer.Period, 50'000U);
+    Toolkit().Timer.Signal();
+    EXPECT_TRUE(await([&ticks] { return ticks > 0; }));
+    Toolkit().TimerStop();
+    EXPECT_EQ(lost, std::vector<int>({1, 2}));
+    Toolkit().TimerStop();
+    EXPECT_EQ(lost.size(), 2U);
+    Toolkit().TimerTake(
+        60'000, [] {}, [&lost] { lost.push_back(3); });
+    delete Toolkit().WindowList().front();
+    EXPECT_EQ(lost.back(), 3) << "with the last window";
+}
+
 TEST_F(ctrlToolkitTest, TheWorkAreaIsReadOnce)
 {
     Shown();
