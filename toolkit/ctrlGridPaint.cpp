@@ -8,6 +8,7 @@
 namespace {
 
 constexpr float scrollBarSize = 14.0F;  // pixels at a scale of 1
+constexpr float leastThumb = 0.1F;      // of a bar, so that it can be taken hold of
 constexpr uint32_t leastShare = 4;      // pixels, of a column with a share of the spare width
 constexpr uint32_t lit = 10;            // sevenths
 constexpr uint32_t disabledShade = 6;
@@ -93,7 +94,7 @@ void ctrlGrid::SetBarRange(ctrlSlider* bar, const gridAxis& axis, bool fromTop)
         bar->SetValue(most);
     const auto scrolled = static_cast<double>(axis.Count - axis.Fixed);
     bar->Page = std::max(scrolled - most, 1.0);
-    bar->Ratio = scrolled > 0 ? static_cast<float>((scrolled - most) / scrolled) : 1.0F;
+    bar->Ratio = scrolled > 0 ? std::max(static_cast<float>((scrolled - most) / scrolled), leastThumb) : 1.0F;
 }
 
 void ctrlGrid::ShareWidth()

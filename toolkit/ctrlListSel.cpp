@@ -7,6 +7,7 @@ namespace {
 
 constexpr uint32_t statePressed = 0x8000;
 constexpr uint32_t scrollBarWidth = 14;
+constexpr float leastThumb = 0.1F;  // of the bar, so that it can be taken hold of
 
 }  // namespace
 
@@ -70,8 +71,8 @@ void ctrlListSel::PlaceScrollBar()
     width = std::min(width, static_cast<uint32_t>(PaintRect.Width()));
     PaintRect.Right -= static_cast<int32_t>(width);
     ScrollBar->Page = static_cast<double>(std::max<uint64_t>(shown, 1));
-    ScrollBar->Ratio =
-        static_cast<float>(height) / (static_cast<float>(Rows.size()) * static_cast<float>(Rise()));
+    const float all = static_cast<float>(Rows.size()) * static_cast<float>(Rise());
+    ScrollBar->Ratio = std::max(static_cast<float>(height) / all, leastThumb);
     ScrollBar->Move(PaintRect.Right, PaintRect.Top, width, height);
 }
 

@@ -128,6 +128,7 @@ void ctrlSplit::ShareOut(const std::vector<ctrlWindow*>& stack, std::vector<uint
 void ctrlSplit::Place(const std::vector<ctrlWindow*>& stack, const std::vector<uint32_t>& lengths)
 {
     std::vector<ctrlLife> lives;
+    lives.reserve(stack.size());
     for (const ctrlWindow* child : stack)
         lives.emplace_back(child);
     const bool isRow = IsRow();
@@ -213,6 +214,7 @@ void ctrlSplit::DragTo(int32_t position)
     if (Drag + 1 >= stack.size())
         return;
     std::vector<uint32_t> lengths;
+    lengths.reserve(stack.size());
     for (const ctrlWindow* child : stack)
         lengths.push_back(LengthOf(*child));
     uint32_t& before = lengths[Drag];
