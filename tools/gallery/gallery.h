@@ -36,4 +36,5 @@ ctrlWindow* galleryShapes(ctrlWindow* parent, int32_t x, int32_t y);
 ctrlWindow* galleryImages(ctrlWindow* parent, int32_t x, int32_t y);
 ctrlWindow* galleryTree(ctrlWindow* parent, int32_t x, int32_t y);
 ctrlWindow* galleryInput(ctrlWindow* parent, int32_t x, int32_t y);
+void galleryControls(ctrlWindow* parent);
 ctrlWindow* galleryWindows(ctrlWindow* parent, int32_t x, int32_t y);

@@ -1,6 +1,7 @@
 // skygallery: everything that the toolkit can show.
 //
 //   skygallery           all sheets
+//   skygallery controls  the controls
 //   skygallery empty     a form with nothing on it
 //
 // What happens in it goes to standard output, a line each. With SKY_GALLERY_STILL in the environment nothing
@@ -14,11 +15,13 @@ namespace {
 
 constexpr uint32_t pageWidth = 1000;
 constexpr uint32_t pageHeight = 500;
+constexpr uint32_t controlsHeight = 562;
 
 class galleryForm final : public ctrlWindow
 {
 public:
-    galleryForm() : ctrlWindow(nullptr, 60, 60, pageWidth, pageHeight, ctrlFramed | ctrlPerMonitor)
+    explicit galleryForm(uint32_t height)
+        : ctrlWindow(nullptr, 60, 60, pageWidth, height, ctrlFramed | ctrlPerMonitor)
     {
         FrameStyle(frameClosable | frameMaximise | frameMinimise | frameResize, 0);
         WidthRange(400, 0);
@@ -63,11 +66,11 @@ public:
 int main(int count, char** arguments)
 {
     const std::string_view what = count > 1 ? arguments[1] : "all";
-    if (count > 2 || (what != "all" && what != "empty")) {
-        std::fprintf(stderr, "usage: skygallery [empty]\n");
+    if (count > 2 || (what != "all" && what != "controls" && what != "empty")) {
+        std::fprintf(stderr, "usage: skygallery [controls | empty]\n");
         return 2;
     }
-    auto* form = new galleryForm;
+    auto* form = new galleryForm(what == "controls" ? controlsHeight : pageHeight);
     if (!form->Handle()) {
         std::fprintf(stderr, "skygallery: there is no display\n");
         delete form;
@@ -75,6 +78,8 @@ int main(int count, char** arguments)
     }
     if (what == "all")
         form->MakeSheets();
+    if (what == "controls")
+        galleryControls(form);
     form->Show();
     while (Toolkit().PumpOne(true)) {
     }
