@@ -303,7 +303,9 @@ void ctrlWindow::Caption(const std::string& text)
         Name_ = text;
     }
     if (Handle_) {
-        Toolkit().Post([handle = Handle_, text] { Toolkit().Windows().SetTitle(handle, text); }, true);
+        // The name as it is then: of threads that name it at once, the last to do so need not be the last
+        // here.
+        PostToSelf([](ctrlWindow& window) { Toolkit().Windows().SetTitle(window.Handle_, window.Name()); });
     }
     Invalidate(true);
 }
