@@ -9,7 +9,6 @@ constexpr uint32_t stateHot = 0x10000;
 constexpr uint32_t stateInClick = 0x20000;
 
 constexpr uint32_t ownSize = 10;
-constexpr unsigned leftHeld = 1;  // of the keys of a mouse event
 
 // A lit face is brighter by ten sevenths, a disabled one darker by six sevenths.
 constexpr uint32_t litShade = 10;
@@ -180,7 +179,7 @@ void ctrlButton::MouseEvent(MouseEv event, unsigned keys, int delta)
 {
     switch (event) {
     case MouseEv::Move:
-        Point((keys & leftHeld) != 0);
+        Point((keys & keysLeft) != 0);
         return;
     case MouseEv::LeftDown:
     case MouseEv::LeftDouble:

@@ -13,7 +13,6 @@ constexpr uint32_t ownWidth = 20;
 constexpr uint32_t ownHeight = 10;
 constexpr uint32_t dynamicWidth = 50;
 constexpr uint32_t dynamicHeight = 20;
-constexpr unsigned leftHeld = 1;  // of the keys of a mouse event
 constexpr int notch = 120;
 
 }  // namespace
@@ -113,7 +112,7 @@ void ctrlComboBox::MouseEvent(MouseEv event, unsigned keys, int delta)
         StateSet(statePressed);
         return;
     }
-    if (held && event == MouseEv::Wheel && (keys & leftHeld) == 0) {
+    if (held && event == MouseEv::Wheel && (keys & keysLeft) == 0) {
         Turn(delta);
         return;
     }
@@ -126,7 +125,7 @@ void ctrlComboBox::MouseEvent(MouseEv event, unsigned keys, int delta)
         Opened(true);
         return;
     }
-    if ((keys & leftHeld) == 0)
+    if ((keys & keysLeft) == 0)
         StateClear(statePressed);
     Point(keys, delta, event);
 }

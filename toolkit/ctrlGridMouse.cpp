@@ -4,12 +4,6 @@
 
 #include <algorithm>
 
-namespace {
-
-constexpr unsigned leftHeld = 1;  // of the keys of a mouse event
-
-}  // namespace
-
 void ctrlGrid::MouseEvent(MouseEv event, unsigned keys, int delta)
 {
     switch (event) {
@@ -18,7 +12,7 @@ void ctrlGrid::MouseEvent(MouseEv event, unsigned keys, int delta)
         Press(event);
         return;
     case MouseEv::Move:
-        if ((keys & leftHeld) == 0)
+        if ((keys & keysLeft) == 0)
             break;
         DragTo();
         return;
@@ -43,9 +37,7 @@ void ctrlGrid::MouseEvent(MouseEv event, unsigned keys, int delta)
 
 bool ctrlGrid::PointerInBox() const
 {
-    const int32_t x = Toolkit().MouseX;
-    const int32_t y = Toolkit().MouseY;
-    return x >= Box.Left && x < Box.Right && y >= Box.Top && y < Box.Bottom;
+    return rectHas(Box, Toolkit().MouseX, Toolkit().MouseY);
 }
 
 void ctrlGrid::HitTest(uint64_t& row, uint64_t& column)

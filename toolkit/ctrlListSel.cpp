@@ -109,9 +109,7 @@ void ctrlListSel::DrawRow(uint64_t row, const rect& area)
 
 bool ctrlListSel::IsInside() const
 {
-    const int32_t x = Toolkit().MouseX;
-    const int32_t y = Toolkit().MouseY;
-    return x >= PaintRect.Left && x < PaintRect.Right && y >= PaintRect.Top && y < PaintRect.Bottom;
+    return rectHas(PaintRect, Toolkit().MouseX, Toolkit().MouseY);
 }
 
 bool ctrlListSel::IsOnScrollBar() const

@@ -245,10 +245,8 @@ void ctrlPage::MouseEvent(MouseEv event, unsigned keys, int delta)
 {
     const bool isPress = event == MouseEv::LeftDown || event == MouseEv::LeftDouble;
     if (isPress && HasStyle(stylePageSelect)) {
-        const int32_t x = Toolkit().MouseX;
-        const int32_t y = Toolkit().MouseY;
-        const auto hit = std::find_if(TabBoxes.begin(), TabBoxes.end(), [x, y](const rect& box) {
-            return x >= box.Left && x < box.Right && y >= box.Top && y < box.Bottom;
+        const auto hit = std::find_if(TabBoxes.begin(), TabBoxes.end(), [](const rect& box) {
+            return rectHas(box, Toolkit().MouseX, Toolkit().MouseY);
         });
         if (hit != TabBoxes.end()) {
             SetCurrent(static_cast<uint64_t>(hit - TabBoxes.begin()));

@@ -12,7 +12,6 @@ constexpr uint32_t statePaging = 0x8000;
 constexpr uint32_t stateDragged = 0x10000;
 constexpr uint32_t stateHot = 0x20000;
 
-constexpr unsigned leftHeld = 1;  // of the keys of a mouse event
 constexpr int notch = 120;
 constexpr uint32_t arrowDelay = 500;   // ms
 constexpr uint32_t arrowPeriod = 100;  // ms
@@ -146,10 +145,7 @@ rect ctrlSlider::ThumbBox() const
 
 bool ctrlSlider::PointerOnThumb() const
 {
-    const rect box = ThumbBox();
-    const int32_t x = Toolkit().MouseX;
-    const int32_t y = Toolkit().MouseY;
-    return x >= box.Left && x < box.Right && y >= box.Top && y < box.Bottom;
+    return rectHas(ThumbBox(), Toolkit().MouseX, Toolkit().MouseY);
 }
 
 // --- The mouse
@@ -163,7 +159,7 @@ void ctrlSlider::MouseEvent(MouseEv event, unsigned keys, int delta)
     }
     switch (event) {
     case MouseEv::Move:
-        if ((keys & leftHeld) == 0)
+        if ((keys & keysLeft) == 0)
             Hover();
         else if (HasState(stateDragged))
             Drag();

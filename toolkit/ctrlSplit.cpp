@@ -6,7 +6,6 @@
 namespace {
 
 constexpr uint32_t ownGap = 4;
-constexpr unsigned leftHeld = 1;  // of the keys of a mouse event
 
 }  // namespace
 
@@ -193,7 +192,7 @@ void ctrlSplit::MouseEvent(MouseEv event, unsigned keys, int delta)
 
 void ctrlSplit::PointAt(unsigned keys, int delta)
 {
-    if ((keys & leftHeld) == 0)
+    if ((keys & keysLeft) == 0)
         Drag = None;
     if (Drag != None) {
         DragTo(Pointer());

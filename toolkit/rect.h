@@ -24,6 +24,11 @@ constexpr bool rectMeet(const rect& a, const rect& b)
     return a.Left < b.Right && b.Left < a.Right && a.Top < b.Bottom && b.Top < a.Bottom;
 }
 
+constexpr bool rectHas(const rect& area, int32_t x, int32_t y)
+{
+    return x >= area.Left && x < area.Right && y >= area.Top && y < area.Bottom;
+}
+
 // Whether `outer` has every pixel of `inner`.
 constexpr bool rectCovers(const rect& outer, const rect& inner)
 {

@@ -4,7 +4,9 @@
 
 #include <thread>
 
+using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
 
 namespace {
 
@@ -46,8 +48,9 @@ TEST_F(ctrlSplitTest, OneChildHasTheWholeArea)
 
 TEST_F(ctrlSplitTest, WithoutChildrenItIsPlainGround)
 {
-    Split(0);
-    EXPECT_GT(fakeDrawCount("fill"), 0U);
+    ctrlSplit* split = Split(0);
+    split->SetBackColour(0x0000FF);
+    EXPECT_THAT(Drawn({"fill"}), Contains(HasSubstr("0,0,308,100 FF0000/1")));
 }
 
 TEST_F(ctrlSplitTest, TheRoomIsSharedAndKeptThroughResizing)
