@@ -253,9 +253,11 @@ private:
     void ReserveUp();
     void PlaceLabelsUp();
     void PlaceLabelsAcross();
+    void DropPushed();
     void DropCrowded();
     void DrawGrid(const std::vector<tick>& ticks, bool up);
     void DrawTicks(const std::vector<tick>& ticks, const tickRoom& room, bool up);
+    void DrawLabel(const tick& one, bool inside);
 
     void DrawCursor(const Cursor& cursor, bool up, std::vector<rect>& taken);
     std::string CursorText(const Cursor& cursor, bool up, colour& shade) const;

@@ -67,11 +67,25 @@ void ctrlGraph::DrawPlot()
 
 void ctrlGraph::DrawLabels()
 {
-    ColourEnabled(Shade(LabelColour, theme::LabelText), true);
     for (const std::vector<tick>* ticks : {&Kept.Across, &Kept.Up}) {
+        const Axis& axis = ticks == &Kept.Up ? AxisY : AxisX;
         for (const tick& one : *ticks) {
             if (!one.Text.empty())
-                Text(one.Area, one.Text.c_str(), textLeft | textTop, 0, &Kept.Area);
+                DrawLabel(one, (axis.Flags & axisInside) != 0);
         }
     }
+}
+
+void ctrlGraph::DrawLabel(const tick& one, bool inside)
+{
+    // A trace behind a label dims, so that both can be read.
+    constexpr float veil = 0.6F;
+    if (inside) {
+        ColourEnabled(BackColour(), false);
+        Opacity(veil);
+        RectFillClipped(one.Area);
+        Opacity(1.0F);
+    }
+    ColourEnabled(Shade(LabelColour, theme::LabelText), true);
+    Text(one.Area, one.Text.c_str(), textLeft | textTop, 0, &Kept.Area);
 }

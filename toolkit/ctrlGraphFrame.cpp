@@ -83,6 +83,7 @@ void ctrlGraph::BuildFrame(const tickRoom& across, const tickRoom& up)
     Kept.Up = Ticks(AxisY, RoomUp, true);
     PlaceLabelsAcross();
     PlaceLabelsUp();
+    DropPushed();
     DropCrowded();
 }
 
@@ -202,12 +203,39 @@ void ctrlGraph::PlaceLabelsUp()
     }
 }
 
+// A label at the end of the axis below that was pushed towards its neighbour could be read as one with it.
+void ctrlGraph::DropPushed()
+{
+    const int32_t least = signedOf(Kept.TextHeight) / 2;
+    std::vector<tick*> named;
+    for (tick& one : Kept.Across) {
+        if (!one.Text.empty())
+            named.push_back(&one);
+    }
+    std::sort(named.begin(), named.end(), [](const tick* a, const tick* b) { return a->At < b->At; });
+    if (named.size() < 3)
+        return;
+    const auto tooNear = [&](size_t left) {
+        return named[left + 1]->Area.Left - named[left]->Area.Right < least;
+    };
+    if (tooNear(0))
+        named.front()->Text.clear();
+    if (tooNear(named.size() - 2))
+        named.back()->Text.clear();
+}
+
 // A label that does not fit into the control, or lies on one that was there before, is left out.
 void ctrlGraph::DropCrowded()
 {
     const auto meets = [](const tick& one, const tick& other) {
         return &one != &other && !other.Text.empty() && rectMeet(one.Area, other.Area);
     };
+    // In one row with the labels of the other axis, one would be taken for theirs.
+    int32_t lowest = Kept.Area.Bottom;
+    if ((AxisX.Flags & AxisY.Flags & axisInside) != 0) {
+        for (const tick& one : Kept.Across)
+            lowest = one.Text.empty() ? lowest : std::min(lowest, one.Area.Top);
+    }
     std::vector<const tick*> placed;
     for (std::vector<tick>* ticks : {&Kept.Across, &Kept.Up}) {
         const bool outside = !((ticks == &Kept.Up ? AxisY : AxisX).Flags & axisInside);
@@ -218,7 +246,8 @@ void ctrlGraph::DropCrowded()
             const bool astray = outside && rectMeet(one.Area, Box);
             const bool crowded = std::any_of(placed.begin(), placed.end(),
                                              [&](const tick* other) { return meets(one, *other); });
-            if (astray || crowded || !rectCovers(Kept.Area, one.Area))
+            const bool low = ticks == &Kept.Up && one.Area.Bottom > lowest;
+            if (astray || crowded || low || !rectCovers(Kept.Area, one.Area))
                 one.Text.clear();
             else
                 placed.push_back(&one);

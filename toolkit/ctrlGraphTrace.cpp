@@ -172,6 +172,8 @@ void ctrlGraphWave::DrawSamples(const series& trace, const mapping& map, uint64_
     graphPen pen(*this, plot);
     const int32_t ground = plot.Value(0);
     const bool steps = HasStyle(graphSteps);
+    // Lines along the axes are sharp only on whole pixels.
+    const auto crisp = [](double pixels, bool sharp) { return sharp ? std::round(pixels) : pixels; };
     int32_t before = ground;
     for (uint64_t i = from; i < to && HasStyle(graphLines | graphStems); ++i) {
         const float value = mapped[i - from];
@@ -179,8 +181,9 @@ void ctrlGraphWave::DrawSamples(const series& trace, const mapping& map, uint64_
             pen.Break();
             continue;
         }
-        const int32_t at = plot.Along(map.First + map.Each * static_cast<double>(i));
-        const int32_t high = plot.Value(static_cast<double>(value));
+        const double along = map.First + map.Each * static_cast<double>(i);
+        const int32_t at = plot.Along(crisp(along, steps || HasStyle(graphStems)));
+        const int32_t high = plot.Value(crisp(static_cast<double>(value), steps));
         if (HasStyle(graphStems)) {
             pen.Break();
             pen.LineTo(at, ground);

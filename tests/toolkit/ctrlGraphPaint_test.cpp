@@ -170,6 +170,57 @@ TEST_F(ctrlGraphPaintTest, LabelsNeverOverlapNorLeaveTheControl)
     }
 }
 
+TEST_F(ctrlGraphPaintTest, LabelsOfOneRowStandApartAndBelongToOneAxis)
+{
+    Graph->SetUnit(Graph->AxisX, "Hz");
+    Graph->SetUnit(Graph->AxisY, "Y");
+    Labels(true);
+    constexpr int32_t least = 7;  // about half of a text's height
+    for (uint32_t wide = 80; wide < 400; wide += 7) {
+        Graph->Move(0, 0, wide, 60 + wide / 8);
+        Graph->SetRangeX(1.55942e9, 1.59142e9 + wide * 1e5);
+        const std::vector<drawnText> texts = Texts(Drawn());
+        for (const drawnText& one : texts) {
+            for (const drawnText& other : texts) {
+                const bool inOneRow = one.Area.Top < other.Area.Bottom && other.Area.Top < one.Area.Bottom;
+                if (&one == &other || !inOneRow || one.Area.Left > other.Area.Left)
+                    continue;
+                EXPECT_EQ(one.Text.ends_with("Y"), other.Text.ends_with("Y")) << one.Text << other.Text;
+                EXPECT_GE(other.Area.Left - one.Area.Right, least) << one.Text << other.Text << wide;
+            }
+        }
+    }
+}
+
+TEST_F(ctrlGraphPaintTest, LabelsInThePlotLieOnAVeil)
+{
+    Labels(true);
+    const std::vector<std::string> draws = Drawn({"fill 2 "});
+    EXPECT_THAT(draws, Contains(HasSubstr("000000/0.6")));
+    Labels(false);
+    EXPECT_THAT(Drawn({"fill 2 "}), Not(Contains(HasSubstr("000000/0.6"))));
+}
+
+TEST_F(ctrlGraphPaintTest, StemsAndStepsStandOnWholePixels)
+{
+    Graph->SetRangeX(0, 7);
+    Graph->SetExtentX(7, false);
+    Push({0.1F, 0.7F, -0.3F, 0.2F, 0.9F, -0.8F, 0.4F});
+    const auto isSharp = [](float place) { return place - std::floor(place) == 0.5F; };
+    Graph->SetStyleWave(graphLines | graphSteps);
+    Drawn();
+    for (const drawPoint& one : fakeFigure())
+        EXPECT_TRUE(isSharp(one.X) && isSharp(one.Y)) << one.X << " " << one.Y;
+    Graph->SetStyleWave(graphStems);
+    const std::vector<std::string> stems = DrawnIn(Trace);
+    ASSERT_THAT(stems, SizeIs(7));
+    for (const std::string& one : stems) {
+        float x = 0;
+        ASSERT_EQ(std::sscanf(one.c_str(), "line 2 %f,", &x), 1) << one;
+        EXPECT_TRUE(isSharp(x)) << one;
+    }
+}
+
 TEST_F(ctrlGraphPaintTest, ASmallGraphStillHasALabelOnEachAxis)
 {
     Graph->SetUnit(Graph->AxisX, "X");
