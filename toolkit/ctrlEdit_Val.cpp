@@ -138,8 +138,12 @@ void ctrlEdit_Val::RangeStore(number minimum, number maximum)
 {
     if (!Differs(Minimum, minimum) && !Differs(Maximum, maximum))
         return;
+    const bool wasSmall = IsRangeSmall();
     Minimum = minimum;
     Maximum = maximum;
+    // Only a small range has the prefixes of small values.
+    if (IsRangeSmall() != wasSmall)
+        Cancel();
     if (HasStyle(styleValUnclamped))
         Invalidate(true);
     if (!IsClamped())

@@ -50,7 +50,7 @@ std::string plainNumber(std::string text)
     const std::string& point = utfLocale.DecimalPoint;
     const size_t at = point.empty() ? std::string::npos : text.find(point);
     if (at != std::string::npos)
-        text.replace(at, point.size(), ".");
+        text.replace(at, point.size(), 1, '.');
     return text;
 }
 

@@ -225,7 +225,7 @@ TEST_F(ctrlEdit_ValTest, ASmallValueIsShownWithAPrefixInASmallRange)
         {0.002, 0, 0, 0, "2000", "\u03BC"},
         {2e-6, 0, 0, 0, "2000", "n"},
         {2e-9, 0, 0, 0, "2000", "p"},
-        {0, 0, 0, 0, "0", ""},
+        {0, 0, 0, 0, "0", "p"},
         {0.0025, 1, -6, 0, "2500.0", "\u03BC"},
         {0.5, 0, -6, 0, "500.000", "m"},
     };
@@ -239,6 +239,16 @@ TEST_F(ctrlEdit_ValTest, ASmallValueIsShownWithAPrefixInASmallRange)
         field->Destroy();
     }
     EXPECT_EQ(Between(-5, 50)->ValueText(0.5).Prefix, "");
+}
+
+TEST_F(ctrlEdit_ValTest, ARangeThatBecomesSmallOrLargeChangesThePrefix)
+{
+    ctrlEdit_Val* field = Field();
+    field->Value(0.5);
+    field->Range(0.0, 5.0);
+    EXPECT_EQ(field->Name() + field->Prefix(), "500m");
+    field->Range(0.0, 50.0);
+    EXPECT_EQ(field->Prefix(), "");
 }
 
 TEST_F(ctrlEdit_ValTest, AnIntegerHasAsManyDigitsAsDecimals)
