@@ -83,7 +83,8 @@ void ctrlButton::PaintGlyph()
     PreferredHeight_ = 0;
     Colour(GlyphShade());
     if (Glyph_ == buttonGlyph::Question) {
-        FontSize(questionPart * side);
+        // Sizes of fonts are scaled, and the button is so already.
+        FontSize(questionPart * side / Toolkit().Scale);
         FontStyle(fontBold);
         Text(PaintRect, "?", centred);
         return;

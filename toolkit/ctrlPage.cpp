@@ -3,6 +3,7 @@
 #include "toolkit/ctrlButton.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -15,6 +16,12 @@ constexpr uint32_t dimmed = 5;  // sevenths, of a tab that is not shown
 constexpr uint32_t lit = 10;
 constexpr uint32_t whole = 7;
 constexpr char tallText[] = "Ág";
+
+// In the scale of the window that was painted last, which is this one's while it paints.
+int32_t scaled(int32_t pixels)
+{
+    return static_cast<int32_t>(std::lround(static_cast<float>(pixels) * Toolkit().Scale));
+}
 
 }  // namespace
 
@@ -102,7 +109,7 @@ void ctrlPage::SetCurrent(uint64_t index)
 
 uint32_t ctrlPage::StripHeight()
 {
-    return TextSize(tallText).Height + 2 * static_cast<uint32_t>(padAlong);
+    return TextSize(tallText).Height + 2 * static_cast<uint32_t>(scaled(padAlong));
 }
 
 void ctrlPage::PlacePage(ctrlWindow* page)
@@ -170,8 +177,8 @@ void ctrlPage::PlaceCloseButtons()
 {
     for (size_t i = 0; i < CloseButtons.size() && i < TabBoxes.size(); ++i) {
         const rect& box = TabBoxes[i];
-        const int32_t side = std::min(closeSide, std::max(box.Height() - 2 * closeGap, 1));
-        CloseButtons[i]->Move(box.Right - closeGap - side, box.Top + (box.Height() - side) / 2,
+        const int32_t side = std::min(scaled(closeSide), std::max(box.Height() - 2 * scaled(closeGap), 1));
+        CloseButtons[i]->Move(box.Right - scaled(closeGap) - side, box.Top + (box.Height() - side) / 2,
                               static_cast<uint32_t>(side), static_cast<uint32_t>(side));
     }
 }
@@ -195,12 +202,12 @@ void ctrlPage::MeasureTabs()
     CountPages();
     TabBoxes.clear();
     const auto height = static_cast<int32_t>(std::min(StripHeight(), Height()));
-    const int32_t close = HasCloseButtons() ? closeSide + closeGap : 0;
+    const int32_t close = HasCloseButtons() ? scaled(closeSide + closeGap) : 0;
     std::vector<int32_t> widths;
     int64_t total = 0;
     for (uint64_t i = 0; i < PageCount; ++i) {
         const auto text = static_cast<int32_t>(TextSize(Page(i)->Name().c_str()).Width);
-        widths.push_back(std::max(text + 2 * padAcross, leastTab) + close);
+        widths.push_back(std::max(text + 2 * scaled(padAcross), scaled(leastTab)) + close);
         total += widths.back();
     }
     const auto room = static_cast<int64_t>(Width());
@@ -221,6 +228,9 @@ void ctrlPage::Paint()
     PlaceCloseButtons();
     for (uint64_t i = 0; i < PageCount; ++i)
         PaintTab(i, TabBoxes[i]);
+    // The scale is another than when the pages were placed.
+    if (PageCount > 0 && Page(0)->Y() != TabBoxes[0].Bottom)
+        InvalidateLayout();
 }
 
 void ctrlPage::PaintTab(uint64_t index, const rect& box)
@@ -236,8 +246,8 @@ void ctrlPage::PaintTab(uint64_t index, const rect& box)
     Colour(fill);
     RectFillClipped(inner);
     ColourEnabled(theme::FaceText, true);
-    const int32_t close = HasCloseButtons() ? closeSide : 0;
-    const rect text{inner.Left + closeGap, inner.Top, inner.Right - closeGap - close, inner.Bottom};
+    const int32_t close = HasCloseButtons() ? scaled(closeSide) : 0;
+    const rect text{inner.Left + scaled(closeGap), inner.Top, inner.Right - scaled(closeGap) - close, inner.Bottom};
     Text(text, Page(index)->Name().c_str(), textTrim);
 }
 

@@ -330,7 +330,7 @@ void ctrlSlider::PaintGroove()
     rect groove = AlongTrack(Track, start, start + width);
     const colour back = BackColour();
     Border(ctrlBorder::Flat, BorderWidth_, ColourScale(back, lit, whole), groove);
-    Colour(ColourScale(back, dark, whole));
+    ColourEnabled(ColourScale(back, dark, whole), true);
     RectFillClipped(groove);
 }
 
@@ -344,6 +344,6 @@ void ctrlSlider::PaintThumb()
     if (box.IsEmpty())
         return;
     Border(ctrlBorder::Flat, BorderWidth_, frame, box);
-    Colour(HasState(stateDragged) ? frame : plain);
+    ColourEnabled(HasState(stateDragged) ? frame : plain, true);
     RectFillClipped(box);
 }

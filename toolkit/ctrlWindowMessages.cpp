@@ -72,7 +72,13 @@ int64_t ctrlWindow::WindowProc(uint32_t message, uint64_t first, int64_t second)
     case msgSyncPaint:
     case msgEnterSizeMove:
     case msgExitSizeMove:
+        return 0;
     case msgDPIChanged:
+        // It keeps its size, and all in it another.
+        if (HasFlag(ctrlPerMonitor)) {
+            InvalidateLayout();
+            InvalidateTree(true);
+        }
         return 0;
     case msgPaint:
         return OnPaint();

@@ -308,6 +308,19 @@ TEST_F(ctrlButtonTest, MeasuresItsText)
     EXPECT_EQ(button->PreferredWidth(), 0U);
 }
 
+TEST_F(ctrlButtonTest, AQuestionMarkFitsItsButtonAtEveryScale)
+{
+    fakeScreenDPI(192);
+    auto* form = new ctrlWindow(nullptr, 0, 0, 100, 100, ctrlPerMonitor);
+    auto* button = new ctrlButton(form, buttonGlyph::Question, 0);
+    button->Move(0, 0, 40, 40);
+    button->Show();
+    form->Show();
+    const std::vector<std::string> texts = Drawn({"text"});
+    ASSERT_EQ(texts.size(), 1U);
+    EXPECT_THAT(texts[0], HasSubstr("size 30.4")) << "of 38";
+}
+
 TEST_F(ctrlButtonTest, DrawsEachGlyphInItsColour)
 {
     const std::pair<buttonGlyph, std::vector<std::string>> rows[] = {

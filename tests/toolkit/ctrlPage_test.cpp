@@ -62,6 +62,25 @@ TEST_F(ctrlPageTest, OneOfItsPagesIsShownAndFillsTheRest)
     EXPECT_EQ(page->Y() + static_cast<int32_t>(page->Height()), 120);
 }
 
+TEST_F(ctrlPageTest, PagesStandBelowTheTabsAtEveryScale)
+{
+    fakeScreenDPI(192);
+    auto* form = new ctrlWindow(nullptr, 0, 0, 600, 400, ctrlPerMonitor);
+    auto* pages = new ctrlPage(form, 0, 0, 300, 200, 2, stylePageSelect | stylePageClose);
+    pages->Page(0)->Caption("PPS");
+    pages->Show();
+    form->Show();
+    Toolkit().PumpPending();
+    const int32_t doubled = pages->Page(0)->Y();
+    EXPECT_EQ(doubled, pages->TabBoxes[0].Bottom);
+    fakeWindowDPI(form->Handle(), 96);
+    Toolkit().PumpPending();
+    EXPECT_EQ(pages->Page(0)->Y(), pages->TabBoxes[0].Bottom);
+    EXPECT_NEAR(pages->Page(0)->Y(), doubled / 2, 2);
+    EXPECT_EQ(pages->CloseButtons[0]->Width(), 14U);
+    EXPECT_THAT(Drawn(), testing::IsEmpty()) << "it is at rest";
+}
+
 TEST_F(ctrlPageTest, APressOnATabShowsItsPage)
 {
     ctrlPage* pages = Pages(0);

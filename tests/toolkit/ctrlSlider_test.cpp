@@ -39,6 +39,21 @@ TEST_F(ctrlSliderTest, TheRangeIsSorted)
     EXPECT_EQ(Changes, 0);
 }
 
+TEST_F(ctrlSliderTest, ADisabledOneIsDimmed)
+{
+    ctrlSlider* slider = Slider(styleSliderHorizontal);
+    slider->Invalidate(true);
+    const std::vector<std::string> enabled = Drawn({"fill"});
+    slider->Enable(false);
+    const std::vector<std::string> disabled = Drawn({"fill"});
+    ASSERT_EQ(enabled.size(), disabled.size());
+    // What is behind it, and its frames, are as before; groove and thumb are not.
+    size_t changed = 0;
+    for (size_t i = 0; i < enabled.size(); ++i)
+        changed += size_t{enabled[i] != disabled[i]};
+    EXPECT_EQ(changed, 2U);
+}
+
 TEST_F(ctrlSliderTest, AValueOutsideLandsOnTheNearestEnd)
 {
     ctrlSlider* slider = Slider(styleSliderHorizontal);

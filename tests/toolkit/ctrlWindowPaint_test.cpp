@@ -345,8 +345,6 @@ TEST_F(ctrlWindowPaintTest, TextsGrowWithTheMonitorOfAWindowThatFollowsIt)
     EXPECT_EQ(window->FontSize(), 11.0F);
 
     fakeWindowDPI(window->Handle(), 192);
-    Toolkit().PumpPending();
-    window->Invalidate(true);
     EXPECT_THAT(Drawn({"text"}), ElementsAre("text 1 \"A\" at 0,0 in 200x100 left top FFFFFF/1 size 22"));
     EXPECT_EQ(window->Width(), 200U) << "its size in pixels stays";
 }
