@@ -2,7 +2,6 @@
 #include "toolkit/ctrlButton.h"
 #include "toolkit/ctrlComboBox.h"
 #include "toolkit/ctrlGrid.h"
-#include "toolkit/ctrlLabel.h"
 #include "toolkit/ctrlPage.h"
 #include "toolkit/ctrlSlider.h"
 #include "toolkit/ctrlSplit.h"
@@ -13,20 +12,6 @@
 
 namespace {
 
-template <class control>
-control* placed(control* one, int32_t x, int32_t y, uint32_t width, uint32_t height)
-{
-    one->Move(x, y, width, height);
-    one->Show();
-    return one;
-}
-
-ctrlLabel* label(ctrlWindow* parent, const char* text, int32_t x, int32_t y, uint32_t width,
-                 unsigned flags = textLeft)
-{
-    return placed(new ctrlLabel(parent, text, flags, 0), x, y, width, 18);
-}
-
 // --- Buttons
 
 ctrlButton* button(ctrlWindow* parent, const char* text, buttonKind kind, int32_t x, int32_t y)
@@ -36,7 +21,7 @@ ctrlButton* button(ctrlWindow* parent, const char* text, buttonKind kind, int32_
     made->OnClick = [made] {
         galleryTell("button " + made->Name() + (made->Checked() ? " clicked, checked" : " clicked"));
     };
-    return placed(made, x, y, 90, 24);
+    return galleryPlaced(made, x, y, 90, 24);
 }
 
 void disabledButtons(ctrlWindow* sheet)
@@ -53,7 +38,7 @@ void glyphButtons(ctrlWindow* sheet)
     for (const bool enabled : {true, false}) {
         for (const buttonGlyph glyph : {buttonGlyph::Question, buttonGlyph::Up, buttonGlyph::Down,
                                         buttonGlyph::Left, buttonGlyph::Right, buttonGlyph::Cross}) {
-            placed(new ctrlButton(sheet, glyph, 0), x, 148, 22, 22)->Enable(enabled);
+            galleryPlaced(new ctrlButton(sheet, glyph, 0), x, 148, 22, 22)->Enable(enabled);
             x += 25;
         }
     }
@@ -85,18 +70,18 @@ void buttonSheet(ctrlWindow* parent, int32_t x, int32_t y)
 void labelSheet(ctrlWindow* parent, int32_t x, int32_t y)
 {
     auto* sheet = new gallerySheet(parent, x, y, 320, 150, "Labels");
-    label(sheet, "as labels are", 10, 26, 140);
-    label(sheet, "on faces", 10, 46, 140)->TextColour(labelFace);
-    label(sheet, "the second colour", 10, 66, 140)->TextColour(labelSecond);
-    label(sheet, "disabled", 10, 86, 140)->Enable(false);
-    label(sheet, "right", 10, 106, 140, textRight);
-    label(sheet, "thick", 10, 126, 140, textLeft | textThick)->TextColour(labelFace);
+    galleryLabel(sheet, "as labels are", 10, 26, 140);
+    galleryLabel(sheet, "on faces", 10, 46, 140)->TextColour(labelFace);
+    galleryLabel(sheet, "the second colour", 10, 66, 140)->TextColour(labelSecond);
+    galleryLabel(sheet, "disabled", 10, 86, 140)->Enable(false);
+    galleryLabel(sheet, "right", 10, 106, 140, textRight);
+    galleryLabel(sheet, "thick", 10, 126, 140, textLeft | textThick)->TextColour(labelFace);
     auto* wrapped = new ctrlLabel(sheet,
                                   "A text that is broken between its words, and a word of "
                                   "Donaudampfschifffahrtsgesellschaften that is too long for a line.",
                                   textLeft | textTop, 0);
     wrapped->StyleSet(styleLabelWrap);
-    placed(wrapped, 170, 26, 140, 110);
+    galleryPlaced(wrapped, 170, 26, 140, 110);
 }
 
 // --- Sliders
@@ -104,12 +89,11 @@ void labelSheet(ctrlWindow* parent, int32_t x, int32_t y)
 void sliderSheet(ctrlWindow* parent, int32_t x, int32_t y)
 {
     auto* sheet = new gallerySheet(parent, x, y, 320, 190, "Sliders");
-    const auto slider = [sheet](uint32_t style, int32_t left, int32_t top, uint32_t width, uint32_t height) {
-        auto* made = new ctrlSlider(sheet, left, top, width, height, style);
+    const auto slider = [sheet](uint32_t style, int32_t left, int32_t top, int32_t width, int32_t height) {
+        auto* made = new ctrlSlider(sheet, 0, 0, 10, 10, style);
         made->Page = 10;
         made->OnChange = [made] { galleryTell("slider " + std::to_string(made->Value)); };
-        made->Show();
-        return made;
+        return galleryPlaced(made, left, top, width, height);
     };
     slider(styleSliderHorizontal, 10, 28, 200, 20);
     slider(styleSliderHorizontal | styleSliderArrows, 10, 58, 200, 20);
@@ -138,12 +122,12 @@ void listSheet(ctrlWindow* parent, int32_t x, int32_t y)
 {
     auto* sheet = new gallerySheet(parent, x, y, 320, 182, "Lists");
     const auto list = [sheet](int32_t left, size_t rows) {
-        auto* made = new ctrlListSel(sheet, left, 26, 96, 120, 0);
+        auto* made = new ctrlListSel(sheet, 0, 0, 10, 10, 0);
+        made->RowHeight(static_cast<uint32_t>(galleryScaled(static_cast<int32_t>(made->RowHeight()))));
         made->RowsAdd({towns().begin(), towns().begin() + static_cast<ptrdiff_t>(rows)});
         made->Selected = 2;
         made->OnClick = [made] { galleryTell("list " + std::to_string(made->Selected)); };
-        made->Show();
-        return made;
+        return galleryPlaced(made, left, 26, 96, 120);
     };
     list(10, 5);
     list(112, towns().size())->StyleSet(styleListMany);
@@ -154,7 +138,7 @@ void listSheet(ctrlWindow* parent, int32_t x, int32_t y)
             made->ComboAdd(towns()[i]);
         made->ComboIndex(selected);
         made->OnChange = [made] { galleryTell("combo " + made->Name()); };
-        return placed(made, left, 152, 96, 20);
+        return galleryPlaced(made, left, 152, 96, 20);
     };
     combo(10, 4, 1);
     combo(112, towns().size(), 9);
@@ -166,20 +150,17 @@ void listSheet(ctrlWindow* parent, int32_t x, int32_t y)
 void containerSheet(ctrlWindow* parent, int32_t x, int32_t y)
 {
     auto* sheet = new gallerySheet(parent, x, y, 320, 340, "Pages and splits");
-    auto* pages = new ctrlPage(sheet, 10, 26, 300, 90, 0, stylePageSelect);
+    auto* pages = galleryPlaced(new ctrlPage(sheet, 0, 0, 10, 10, 0, stylePageSelect), 10, 26, 300, 90);
     for (const char* name : {"PPS", "RF spectrum", "A third one"})
         pages->AddPage(pages->PageCount, nullptr, name);
     pages->Page(0)->SetBackColour(theme::ListBackground);
-    pages->Show();
-    auto* closing = new ctrlPage(sheet, 10, 124, 300, 60, 5, stylePageSelect | stylePageClose);
+    auto* closing = galleryPlaced(new ctrlPage(sheet, 0, 0, 10, 10, 5, stylePageSelect | stylePageClose), 10,
+                                  124, 300, 60);
     for (uint64_t i = 0; i < closing->PageCount; ++i)
         closing->Page(i)->Caption("Page number " + std::to_string(i + 1));
     closing->SetCurrent(2);
-    closing->Show();
-    auto* columns = new ctrlSplit(sheet, 10, 192, 300, 60, styleSplitColumns);
-    columns->Show();
-    auto* rows = new ctrlSplit(sheet, 10, 260, 300, 70, 0);
-    rows->Show();
+    auto* columns = galleryPlaced(new ctrlSplit(sheet, 0, 0, 10, 10, styleSplitColumns), 10, 192, 300, 60);
+    auto* rows = galleryPlaced(new ctrlSplit(sheet, 0, 0, 10, 10, 0), 10, 260, 300, 70);
     for (const colour back : {0x805030, 0x308050, 0x503080}) {
         columns->Add(columns->Count, new galleryTile(columns, 0, 0, 10, 10, back, ""));
         rows->Add(rows->Count, new galleryTile(rows, 0, 0, 10, 10, back, ""));
@@ -191,13 +172,23 @@ void containerSheet(ctrlWindow* parent, int32_t x, int32_t y)
 class satelliteGrid final : public ctrlGrid
 {
 public:
-    satelliteGrid(ctrlWindow* parent, int32_t x, int32_t y, uint32_t width, uint32_t height, uint64_t rows)
-        : ctrlGrid(parent, x, y, width, height, 4, rows + 1)
+    satelliteGrid(ctrlWindow* parent, int32_t x, int32_t y, int32_t width, int32_t height, uint64_t rows)
+        : ctrlGrid(parent, 0, 0, 10, 10, 4, rows + 1)
     {
+        const auto scaled = [](uint32_t size) {
+            return static_cast<uint32_t>(galleryScaled(static_cast<int32_t>(size)));
+        };
         SetFixedRows(1);
-        SetColumnWidth(0, 40);
-        SetColumnWidth(3, 60);
-        SetAutoColumn(1);
+        RowHeightDefault = scaled(RowHeightDefault);
+        for (uint64_t row = 0; row <= rows; ++row)
+            SetRowHeight(row, RowHeightDefault);
+        constexpr int32_t roomy = 200;
+        SetColumnWidth(0, scaled(width < roomy ? 25 : 40));
+        SetColumnWidth(1, scaled(50));
+        SetColumnWidth(2, scaled(38));
+        SetColumnWidth(3, scaled(60));
+        if (width >= roomy)
+            SetAutoColumn(1);
         OnCellDraw = [this](uint64_t row, uint64_t column, const rect* area) { Draw(row, column, *area); };
         OnSelection = [this] {
             galleryTell("grid " + std::to_string(Selection.FirstRow) + "," +
@@ -205,7 +196,7 @@ public:
                         "," + std::to_string(Selection.LastColumn));
         };
         SetSelection({2, 3, 1, 2});
-        Show();
+        galleryPlaced(this, x, y, width, height);
     }
 
 private:

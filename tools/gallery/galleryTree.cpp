@@ -1,8 +1,6 @@
 // Controls in controls: nested, moving, translucent, faded and disabled.
 #include "tools/gallery/gallery.h"
 
-#include <cstdlib>
-
 namespace {
 
 constexpr uint32_t stepMs = 40;
@@ -68,7 +66,7 @@ private:
 ctrlWindow* galleryTree(ctrlWindow* parent, int32_t x, int32_t y)
 {
     auto* sheet = new treeSheet(parent, x, y);
-    if (std::getenv("SKY_GALLERY_STILL"))
+    if (galleryStill())
         return sheet;
     thrTimer& timer = Toolkit().Timer;
     timer.OnTick = [life = ctrlLife(sheet)] {
