@@ -26,6 +26,8 @@ struct pangoRelease {
     void operator()(PangoFontMap* map) const { g_object_unref(map); }
     void operator()(PangoLayout* layout) const { g_object_unref(layout); }
     void operator()(PangoAttrList* attributes) const { pango_attr_list_unref(attributes); }
+    void operator()(PangoFont* font) const { g_object_unref(font); }
+    void operator()(PangoGlyphString* glyphs) const { pango_glyph_string_free(glyphs); }
 };
 
 template <typename type>

@@ -10,6 +10,7 @@
 namespace {
 
 constexpr double MostUnits = 1 << 20;  // pixels that Pango's units can hold
+constexpr size_t MostShaped = 1024;    // texts
 
 // Fonts that other systems have, and what looks like them here.
 struct replacementRow {
@@ -75,25 +76,35 @@ std::string validText(std::string_view text)
     }
 }
 
-// One font's piece of a line at a time, from left to right.
-struct glyphRun {
-    PangoFont* Font;
-    PangoGlyphString* Glyphs;
-    double X;
-};
-
-bool hasAllGlyphs(const glyphRun& run)
+bool hasAllGlyphs(const PangoLayoutRun& run)
 {
-    const std::span<const PangoGlyphInfo> glyphs(run.Glyphs->glyphs,
-                                                 static_cast<size_t>(run.Glyphs->num_glyphs));
-    return run.Font != nullptr && std::ranges::none_of(glyphs, [](const PangoGlyphInfo& glyph) {
+    const std::span<const PangoGlyphInfo> glyphs(run.glyphs->glyphs,
+                                                 static_cast<size_t>(run.glyphs->num_glyphs));
+    return run.item->analysis.font != nullptr &&
+           std::ranges::none_of(glyphs, [](const PangoGlyphInfo& glyph) {
                return glyph.glyph != PANGO_GLYPH_EMPTY && (glyph.glyph & PANGO_GLYPH_UNKNOWN_FLAG) != 0;
            });
 }
 
+// They outlive the layout that they were made in.
+std::vector<glyphRun> runsOf(const PangoLayoutLine& line)
+{
+    std::vector<glyphRun> runs;
+    double x = 0;
+    for (GSList* at = line.runs; at != nullptr; at = at->next) {
+        const PangoLayoutRun* piece = static_cast<PangoLayoutRun*>(at->data);
+        PangoFont* font = piece->item->analysis.font;
+        runs.push_back({pangoOwned<PangoFont>(font ? PANGO_FONT(g_object_ref(font)) : nullptr),
+                        pangoOwned<PangoGlyphString>(pango_glyph_string_copy(piece->glyphs)), x,
+                        hasAllGlyphs(*piece)});
+        x += pango_units_to_double(pango_glyph_string_get_width(piece->glyphs));
+    }
+    return runs;
+}
+
 void drawRunOnPixels(cairo_t* context, drawGlyphs& masks, const glyphRun& run, double left, int baseline)
 {
-    cairo_scaled_font_t* font = pango_cairo_font_get_scaled_font(PANGO_CAIRO_FONT(run.Font));
+    cairo_scaled_font_t* font = pango_cairo_font_get_scaled_font(PANGO_CAIRO_FONT(run.Font.get()));
     double x = left + run.X;
     for (int index = 0; index < run.Glyphs->num_glyphs; ++index) {
         const PangoGlyphInfo& glyph = run.Glyphs->glyphs[index];
@@ -109,26 +120,22 @@ void drawRunOnPixels(cairo_t* context, drawGlyphs& masks, const glyphRun& run, d
 void drawRunAsPath(cairo_t* context, const glyphRun& run, double left, double baseline)
 {
     cairo_move_to(context, left + run.X, baseline);
-    pango_cairo_glyph_string_path(context, run.Font, run.Glyphs);
+    pango_cairo_glyph_string_path(context, run.Font.get(), run.Glyphs.get());
     cairo_fill(context);
 }
 
 // From pixel to pixel when there are masks.
-void drawLine(cairo_t* context, drawGlyphs* masks, PangoLayoutLine* line, double left, double baseline)
+void drawLine(cairo_t* context, drawGlyphs* masks, const textLine& line, double left, double baseline)
 {
-    double x = 0;
-    for (GSList* at = line->runs; at != nullptr; at = at->next) {
-        const PangoLayoutRun* piece = static_cast<PangoLayoutRun*>(at->data);
-        const glyphRun run = {piece->item->analysis.font, piece->glyphs, x};
-        if (!hasAllGlyphs(run)) {
-            cairo_move_to(context, left + x, baseline);
-            pango_cairo_show_glyph_string(context, run.Font, run.Glyphs);
+    for (const glyphRun& run : line.Runs) {
+        if (!run.IsWhole) {
+            cairo_move_to(context, left + run.X, baseline);
+            pango_cairo_show_glyph_string(context, run.Font.get(), run.Glyphs.get());
         } else if (masks != nullptr) {
             drawRunOnPixels(context, *masks, run, left, static_cast<int>(baseline));
         } else {
             drawRunAsPath(context, run, left, baseline);
         }
-        x += pango_units_to_double(pango_glyph_string_get_width(run.Glyphs));
     }
 }
 
@@ -150,12 +157,22 @@ std::shared_ptr<drawFonts> drawFontsMake()
     pango_cairo_context_set_font_options(fonts->Context.get(), options.get());
     pango_cairo_context_set_resolution(fonts->Context.get(), 96);
     pango_context_set_round_glyph_positions(fonts->Context.get(), FALSE);
+    fonts->Scratch.reset(pango_layout_new(fonts->Context.get()));
+    PangoLayout* layout = fonts->Scratch.get();
+    pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
+    pango_layout_set_auto_dir(layout, FALSE);
+    // A word that is cut shows no sign of it.
+    const pangoOwned<PangoAttrList> attributes(pango_attr_list_new());
+    pango_attr_list_insert(attributes.get(), pango_attr_insert_hyphens_new(FALSE));
+    pango_layout_set_attributes(layout, attributes.get());
     return fonts;
 }
 
 pangoFormat::pangoFormat(std::shared_ptr<drawFonts> fonts, std::string_view font, bool bold, bool italic,
                          float size)
-    : Fonts_(std::move(fonts)), Font(pango_font_description_new()), Tabs(pango_tab_array_new(1, FALSE))
+    : Fonts_(std::move(fonts)),
+      Font(pangoOwned<PangoFontDescription>(pango_font_description_new())),
+      Tabs(pangoOwned<PangoTabArray>(pango_tab_array_new(1, FALSE)))
 {
     constexpr int TabEms = 4;
     pango_font_description_set_family(Font.get(), familyList(font).c_str());
@@ -163,24 +180,21 @@ pangoFormat::pangoFormat(std::shared_ptr<drawFonts> fonts, std::string_view font
     pango_font_description_set_style(Font.get(), italic ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
     pango_font_description_set_absolute_size(Font.get(), unitsOf(size));
     pango_tab_array_set_tab(Tabs.get(), 0, PANGO_TAB_LEFT, unitsOf(TabEms * size));
+    const std::unique_ptr<char, void (*)(void*)> described(pango_font_description_to_string(Font.get()),
+                                                           g_free);
+    Key_ = described.get();
 }
 
-pangoOwned<PangoLayout> pangoFormat::MakeLayout() const
+PangoLayout* pangoFormat::Layout() const
 {
-    pangoOwned<PangoLayout> layout(pango_layout_new(Fonts_->Context.get()));
-    pango_layout_set_font_description(layout.get(), Font.get());
-    pango_layout_set_tabs(layout.get(), Tabs.get());
-    pango_layout_set_wrap(layout.get(), PANGO_WRAP_WORD_CHAR);
-    pango_layout_set_auto_dir(layout.get(), FALSE);
-    // A word that is cut shows no sign of it.
-    const pangoOwned<PangoAttrList> attributes(pango_attr_list_new());
-    pango_attr_list_insert(attributes.get(), pango_attr_insert_hyphens_new(FALSE));
-    pango_layout_set_attributes(layout.get(), attributes.get());
+    PangoLayout* layout = Fonts_->Scratch.get();
+    pango_layout_set_font_description(layout, Font.get());
+    pango_layout_set_tabs(layout, Tabs.get());
     return layout;
 }
 
 pangoText::pangoText(std::string_view text, const pangoFormat& format, float width, float height)
-    : Fonts(format.Fonts()), Layout(format.MakeLayout()), Text(validText(text)), Width(width), Height(height)
+    : Format(format), Text(validText(text)), Width(width), Height(height)
 {}
 
 void pangoText::SetAlign(drawAlign horizontal, drawAlign vertical)
@@ -192,46 +206,74 @@ void pangoText::SetAlign(drawAlign horizontal, drawAlign vertical)
 void pangoText::SetNoWrap()
 {
     Wraps = false;
-    IsArranged = false;
+    Arranged = nullptr;
 }
 
 void pangoText::SetTrimming(char delimiter)
 {
     Trims = true;
     Delimiter = delimiter;
-    IsArranged = false;
+    Arranged = nullptr;
 }
 
-void pangoText::Trim() const
+void pangoText::Trim(PangoLayout* layout) const
 {
-    const pangoOwned<PangoLayout> scratch(pango_layout_copy(Layout.get()));
+    const pangoOwned<PangoLayout> scratch(pango_layout_copy(layout));
     pango_layout_set_width(scratch.get(), -1);
-    const std::string trimmed =
-        drawTrimmed(Layout.get(), scratch.get(), static_cast<double>(Width), Delimiter);
+    const std::string trimmed = drawTrimmed(layout, scratch.get(), static_cast<double>(Width), Delimiter);
     if (trimmed != Text)
-        pango_layout_set_text(Layout.get(), trimmed.data(), static_cast<int>(trimmed.size()));
+        pango_layout_set_text(layout, trimmed.data(), static_cast<int>(trimmed.size()));
+}
+
+// All that the lines depend on.
+std::string pangoText::Key() const
+{
+    std::string key = Format.Key();
+    key += Wraps ? '\2' : '\1';
+    if (Trims)
+        key.append({'\1', Delimiter});
+    if (Wraps || Trims)
+        key += std::to_string(Width);
+    key += '\0';
+    return key += Text;
 }
 
 void pangoText::Arrange() const
 {
-    if (IsArranged)
+    if (Arranged)
         return;
-    IsArranged = true;
-    pango_layout_set_text(Layout.get(), Text.data(), static_cast<int>(Text.size()));
-    pango_layout_set_width(Layout.get(), Wraps ? unitsOf(Width) : -1);
+    auto& shaped = Format.Fonts()->Shaped;
+    const std::string key = Key();
+    const auto known = shaped.find(key);
+    if (known != shaped.end()) {
+        Arranged = known->second;
+        return;
+    }
+    Arranged = Shape();
+    if (shaped.size() >= MostShaped)
+        shaped.clear();
+    shaped.emplace(key, Arranged);
+}
+
+std::shared_ptr<const textLines> pangoText::Shape() const
+{
+    PangoLayout* layout = Format.Layout();
+    pango_layout_set_text(layout, Text.data(), static_cast<int>(Text.size()));
+    pango_layout_set_width(layout, Wraps ? unitsOf(Width) : -1);
     if (Trims)
-        Trim();
-    Lines.clear();
+        Trim(layout);
+    auto made = std::make_shared<textLines>();
     double top = 0;
-    for (GSList* at = pango_layout_get_lines_readonly(Layout.get()); at != nullptr; at = at->next) {
+    for (GSList* at = pango_layout_get_lines_readonly(layout); at != nullptr; at = at->next) {
         PangoLayoutLine* one = static_cast<PangoLayoutLine*>(at->data);
         PangoRectangle box;
         pango_layout_line_get_extents(one, nullptr, &box);
         const double height = pango_units_to_double(box.height);
-        Lines.push_back({one, top, -pango_units_to_double(box.y), drawInkWidth(one),
+        made->push_back({runsOf(*one), top, -pango_units_to_double(box.y), drawInkWidth(one),
                          pango_units_to_double(box.width), height});
         top += height;
     }
+    return made;
 }
 
 drawTextSize pangoText::Size() const
@@ -240,13 +282,13 @@ drawTextSize pangoText::Size() const
         return {};
     Arrange();
     double width = 0;
-    for (const line& one : Lines)
+    for (const textLine& one : *Arranged)
         width = std::max(width, one.FullWidth);
-    const line& last = Lines.back();
+    const textLine& last = Arranged->back();
     return {static_cast<float>(width), static_cast<float>(last.Top + last.Height)};
 }
 
-double pangoText::LineLeft(const line& one) const
+double pangoText::LineLeft(const textLine& one) const
 {
     return shareOf(Horizontal) * (static_cast<double>(Width) - one.Width);
 }
@@ -271,10 +313,10 @@ void pangoText::Draw(cairo_t* context, drawPoint origin) const
         x += matrix.x0;
         y += matrix.y0;
     }
-    for (const line& one : Lines) {
+    for (const textLine& one : *Arranged) {
         const double baseline = y + one.Top + one.Baseline;
         // Feet that stand between two rows of pixels look dirty.
-        drawLine(context, plain ? &Fonts->Glyphs : nullptr, one.Line, x + LineLeft(one),
+        drawLine(context, plain ? &Format.Fonts()->Glyphs : nullptr, one, x + LineLeft(one),
                  plain ? std::floor(baseline + 0.5) : baseline);
     }
     cairo_set_matrix(context, &matrix);
@@ -286,12 +328,12 @@ drawRect pangoText::Reach() const
         return {};
     const drawTextSize size = Size();
     drawRect reach = {INFINITY, static_cast<float>(TextTop()), -INFINITY, 0};
-    for (const line& one : Lines) {
+    for (const textLine& one : *Arranged) {
         reach.Left = std::min(reach.Left, static_cast<float>(LineLeft(one)));
         reach.Right = std::max(reach.Right, static_cast<float>(LineLeft(one) + one.FullWidth));
     }
     reach.Bottom = reach.Top + size.Height;
     // Letters lean and accents rise out of their boxes.
-    const float beyond = static_cast<float>(Lines.front().Height);
+    const float beyond = static_cast<float>(Arranged->front().Height);
     return {reach.Left - beyond, reach.Top - beyond, reach.Right + beyond, reach.Bottom + beyond};
 }
