@@ -107,10 +107,14 @@ private:
     void SetBarRange(ctrlSlider* bar, const gridAxis& axis, bool fromTop);
     void ShareWidth();
     void DrawRows();
-    void DrawCell(uint64_t row, uint64_t column, rect area);
+    // Which sides of a cell have the line of a neighbour already.
+    struct cellSides {
+        bool Left = false, Top = false;
+    };
+    void DrawCell(uint64_t row, uint64_t column, rect area, const cellSides& drawn);
     void DrawHeader(rect& area);
-    void DrawPlain(uint64_t row, uint64_t column, rect& area);
-    void DrawLines(const rect& area);
+    void DrawPlain(uint64_t row, uint64_t column, rect& area, cellSides drawn);
+    void DrawLines(const rect& area, const cellSides& drawn);
     bool IsFixed(uint64_t row, uint64_t column) const { return row < FixedRows || column < FixedColumns; }
     bool IsSelected(uint64_t row, uint64_t column) const;
 

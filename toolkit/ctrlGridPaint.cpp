@@ -120,27 +120,32 @@ void ctrlGrid::DrawRows()
     const gridAxis down = Down();
     const gridAxis across = Across();
     int64_t top = Box.Top;
+    cellSides drawn;
     for (uint64_t row = down.First(); row < down.Count && top < Box.Bottom; row = down.Next(row)) {
         const int64_t bottom = top + RowHeights[row];
         int64_t left = Box.Left;
+        drawn.Left = false;
         for (uint64_t column = across.First(); column < across.Count && left < Box.Right;
              column = across.Next(column)) {
             const int64_t right = left + Columns[column].Width;
             DrawCell(row, column,
                      {static_cast<int32_t>(left), static_cast<int32_t>(top), static_cast<int32_t>(right),
-                      static_cast<int32_t>(bottom)});
+                      static_cast<int32_t>(bottom)},
+                     drawn);
             left = right;
+            drawn.Left = !IsFixed(row, column);
         }
         top = bottom;
+        drawn.Top = row >= FixedRows;
     }
 }
 
-void ctrlGrid::DrawCell(uint64_t row, uint64_t column, rect area)
+void ctrlGrid::DrawCell(uint64_t row, uint64_t column, rect area, const cellSides& drawn)
 {
     if (IsFixed(row, column))
         DrawHeader(area);
     else
-        DrawPlain(row, column, area);
+        DrawPlain(row, column, area, drawn);
     --area.Right;
     --area.Bottom;
     if (!OnCellDraw || area.IsEmpty())
@@ -166,30 +171,39 @@ void ctrlGrid::DrawHeader(rect& area)
     area = cell;
 }
 
-void ctrlGrid::DrawPlain(uint64_t row, uint64_t column, rect& area)
+// The neighbours' lines lie on the same pixels, and hold unless this cell covers them.
+void ctrlGrid::DrawPlain(uint64_t row, uint64_t column, rect& area, cellSides drawn)
 {
-    Colour(CellColour == colourDefault ? BackColour() : CellColour);
-    RectFillClipped(area);
+    const bool isMarked = !HasStyle(styleGridUnmarked) && IsSelected(row, column);
+    const bool isFilled = CellColour != colourDefault;
+    if (isFilled) {
+        Colour(CellColour);
+        RectFillClipped(area);
+    }
     if (HasStyle(styleGridLinesV))
         ++area.Right;
     if (HasStyle(styleGridLinesH))
         ++area.Bottom;
-    if (!HasStyle(styleGridUnmarked) && IsSelected(row, column)) {
+    if (isMarked) {
         Colour(SelectionColour == colourDefault ? theme::SelectionBackground : SelectionColour);
         RectFillClipped(area);
     }
-    DrawLines(area);
+    if (isMarked || isFilled)
+        drawn = {};
+    DrawLines(area, drawn);
 }
 
-void ctrlGrid::DrawLines(const rect& area)
+void ctrlGrid::DrawLines(const rect& area, const cellSides& drawn)
 {
     Colour(LineColour);
     if (HasStyle(styleGridLinesV)) {
-        RectFillClipped({area.Left, area.Top, area.Left + 1, area.Bottom});
+        if (!drawn.Left)
+            RectFillClipped({area.Left, area.Top, area.Left + 1, area.Bottom});
         RectFillClipped({area.Right - 1, area.Top, area.Right, area.Bottom});
     }
     if (HasStyle(styleGridLinesH)) {
-        RectFillClipped({area.Left, area.Top, area.Right, area.Top + 1});
+        if (!drawn.Top)
+            RectFillClipped({area.Left, area.Top, area.Right, area.Top + 1});
         RectFillClipped({area.Left, area.Bottom - 1, area.Right, area.Bottom});
     }
 }
