@@ -7,6 +7,7 @@ of tools/gallery, their frames' buttons those of the window managers that tools/
 
 import os
 import pathlib
+import struct
 import subprocess
 import sys
 import tempfile
@@ -392,6 +393,34 @@ class GalleryTest(unittest.TestCase):
         other.end()
         self.assertTrue(await_picture(
             lambda after: all(pixel(before, *point) == pixel(after, *point) for point in area)))
+
+
+class PictureTest(unittest.TestCase):
+    def run_gallery(self, *arguments):
+        return subprocess.run([*COMMAND, *arguments], capture_output=True, text=True, errors="replace", check=False,
+                              timeout=4 * PATIENCE, env={**os.environ, "SKY_GALLERY_STILL": "1"})
+
+    def test_draws_each_page_into_a_file(self):
+        with tempfile.TemporaryDirectory() as folder:
+            for page, width, height in (("controls", 1000, 562), ("edits", 1000, 384), ("graphs", 990, 500)):
+                with self.subTest(page):
+                    path = pathlib.Path(folder, f"{page}.bmp")
+                    self.assertEqual(self.run_gallery(page, "--picture", str(path)).returncode, 0)
+                    content = path.read_bytes()
+                    self.assertEqual(content[:2], b"BM")
+                    self.assertEqual(struct.unpack_from("<II", content, 18), (width, height))
+                    stride = (3 * width + 3) // 4 * 4
+                    self.assertEqual(len(content), 54 + stride * height)
+                    shades = {content[at:at + 3] for row in range(height)
+                              for at in range(54 + row * stride, 54 + row * stride + 3 * width, 3)}
+                    self.assertGreater(len(shades), 30)
+
+    def test_says_what_it_cannot_do(self):
+        self.assertEqual(self.run_gallery("nothing").returncode, 2)
+        self.assertEqual(self.run_gallery("edits", "--picture").returncode, 2)
+        failed = self.run_gallery("edits", "--picture", "/no/such/folder/x.bmp")
+        self.assertEqual(failed.returncode, 1)
+        self.assertIn("no picture could be written to /no/such/folder/x.bmp", failed.stderr)
 
 
 if __name__ == "__main__":
