@@ -24,6 +24,7 @@ public:
 
     // The picture of the form in lists of windows, 0 for none. It belongs to whoever made it.
     void Icon(iconId icon);
+    iconId Icon() const { return Icon_; }
 
 private:
     bool IsOutOfReach() const;

@@ -3,9 +3,11 @@
 #include "tests/fakes/core.h"
 #include "tests/fakes/fakeDraws.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -108,6 +110,23 @@ private:
     counted Count;
 };
 
+struct lineCount {
+    size_t Lines = 1;
+    size_t Longest = 0;  // bytes
+};
+
+lineCount count(std::string_view text)
+{
+    lineCount lines;
+    for (size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
+        ++lines.Lines;
+        lines.Longest = std::max(lines.Longest, end);
+        text.remove_prefix(end + 1);
+    }
+    lines.Longest = std::max(lines.Longest, text.size());
+    return lines;
+}
+
 class fakeLayout final : public drawTextLayout
 {
 public:
@@ -128,7 +147,9 @@ public:
         constexpr float lineHeight = 1.5F;
         if (Text.empty())
             return {};
-        return {static_cast<float>(Text.size()) * EmSize / 2, EmSize * lineHeight};
+        const lineCount lines = count(Text);
+        return {static_cast<float>(lines.Longest) * EmSize / 2,
+                static_cast<float>(lines.Lines) * EmSize * lineHeight};
     }
     std::string Line(drawPoint origin) const
     {

@@ -14,7 +14,8 @@
 //   clip 2 0,0,4,4             unclip 2
 //   transform 2 M11 M12 M21 M22 DX DY        only one that is not the identity, or ends such a one
 //
-// A text measures half its size across for each character, and 1.5 times its size down.
+// A text measures half its size across for each byte of its longest line, and 1.5 times its size down for
+// each line.
 #pragma once
 
 #include "platform/draw.h"

@@ -27,7 +27,8 @@ void fakeReset();
 // Every call of a seam function since the reset or the last clearing, in order, as the function's name, a
 // blank, and its arguments that matter: "fileOpen /a.txt write exclusive", "heapAllocate 1048576",
 // "threadSleep 20", "threadWaitUntil 2000000000". Calls on a handle name what was opened: "fileWrite /a.txt 0
-// 12" (offset, count), "fileLockRange /a.txt 0 100 wait", "registrySet Software\Name value". Pure questions
+// 12" (offset, count), "fileLockRange /a.txt 0 100 wait", "registrySet Software\Name value", "shellOpen
+// mailto:a@b.example". Pure questions
 // (clock, locale, heapSize, processPath, debugAttached, debugRead, threadYield, threadId, wordWait, wordWake)
 // are not recorded.
 std::vector<std::string> fakeCalls();

@@ -1,0 +1,102 @@
+"""The icon's files: what is stored is what tools/packer/drawIcon.py draws, in the forms that the systems take."""
+
+import pathlib
+import shutil
+import struct
+import subprocess
+import sys
+import tempfile
+import unittest
+import zlib
+
+import results
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+FOLDER = ROOT / "resources" / "icon"
+sys.path.insert(0, str(ROOT / "tools" / "packer"))
+
+import drawIcon  # noqa: E402
+
+PNG = b"\x89PNG\r\n\x1a\n"
+PICTURES = {size: drawIcon.draw(size) for size in drawIcon.PNG_SIZES}
+WINDRES = "x86_64-w64-mingw32-windres"
+
+
+def png_rows(data):
+    """Side and rows of a picture in 32 bits whose lines are not filtered."""
+    width, height, depth, kind = struct.unpack(">IIBB", data[16:26])
+    assert (depth, kind) == (8, 6) and width == height
+    packed, at = b"", len(PNG)
+    while at < len(data):
+        length, = struct.unpack(">I", data[at:at + 4])
+        if data[at + 4:at + 8] == b"IDAT":
+            packed += data[at + 8:at + 8 + length]
+        at += 12 + length
+    lines = zlib.decompress(packed)
+    stride = 4 * width + 1
+    return width, [lines[row * stride + 1:(row + 1) * stride] for row in range(height)]
+
+
+def drawn_rows(size):
+    return [PICTURES[size].bytes(row) for row in range(size)]
+
+
+def ico_images(data):
+    reserved, kind, count = struct.unpack("<HHH", data[:6])
+    assert (reserved, kind) == (0, 1)
+    for number in range(count):
+        width, height, _, _, _, bits, size, place = struct.unpack("<BBBBHHII", data[6 + 16 * number:22 + 16 * number])
+        assert width == height and bits == 32
+        yield width or 256, data[place:place + size], size
+
+
+class Icon(unittest.TestCase):
+    def test_each_picture_is_as_it_is_drawn(self):
+        for size in drawIcon.PNG_SIZES:
+            with self.subTest(size=size):
+                data = (FOLDER / f"skyreckoning-{size}.png").read_bytes()
+                self.assertTrue(png_rows(data) == (size, drawn_rows(size)))
+
+    def test_the_windows_file_holds_six_sizes(self):
+        images = list(ico_images((FOLDER / "skyreckoning.ico").read_bytes()))
+        self.assertEqual([size for size, _, _ in images], [16, 24, 32, 48, 64, 256])
+        for size, image, told in images:
+            with self.subTest(size=size):
+                self.assertEqual(len(image), told)
+                rows = drawn_rows(size)
+                if size == 256:
+                    self.assertTrue(png_rows(image) == (size, rows))
+                    continue
+                header = struct.unpack("<IiiHHIIiiII", image[:40])
+                self.assertEqual(header[:5], (40, size, 2 * size, 1, 32))
+                mask = (size + 31) // 32 * 4 * size
+                self.assertEqual(len(image), 40 + 4 * size * size + mask)
+                lowest = image[40:40 + 4 * size]
+                self.assertEqual((lowest[2::4], lowest[1::4], lowest[0::4], lowest[3::4]),
+                                 tuple(rows[-1][channel::4] for channel in range(4)))
+
+    def test_corners_are_transparent_and_the_smallest_shows_every_part(self):
+        for picture in PICTURES.values():
+            rows = picture.rows
+            for row, column in ((0, 0), (0, -1), (-1, 0), (-1, -1)):
+                self.assertLess(rows[row][column][1], 0.5)
+        smallest = [pixel for row in PICTURES[16].rows for pixel in row]
+        for colour, least in ((drawIcon.AMBER, 10), (drawIcon.CYAN, 4), (drawIcon.WHITE, 4), (drawIcon.HORIZON, 14)):
+            pure = sum(alpha == 1 and all(abs(a - b) < 1 for a, b in zip(colour, there)) for there, alpha in smallest)
+            self.assertGreaterEqual(pure, least, colour)
+
+    @unittest.skipUnless(shutil.which(WINDRES), "needs the resource compiler of MinGW")
+    def test_windows_resources_compile(self):
+        with tempfile.TemporaryDirectory() as folder:
+            target = pathlib.Path(folder) / "skyreckoning.o"
+            subprocess.run([WINDRES, "-I", ".", "resources/skyreckoning.rc", str(target)], cwd=ROOT, check=True)
+            data = target.read_bytes()
+        self.assertIn("Vintermark".encode("utf-16-le"), data)
+        self.assertIn("1.0.5.5".encode("utf-16-le"), data)
+        self.assertIn("MAINICON".encode("utf-16-le"), data)
+        self.assertIn(b"PerMonitorV2", data)
+        self.assertIn((FOLDER / "skyreckoning.ico").read_bytes()[-1000:], data)
+
+
+if __name__ == "__main__":
+    results.main()
