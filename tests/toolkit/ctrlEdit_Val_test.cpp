@@ -441,6 +441,10 @@ TEST_F(ctrlEdit_ValTest, TwoHalvesOfAWheelStepAreOne)
     EXPECT_EQ(Changes, 1);
     Turn(-240);
     EXPECT_EQ(field->ValueGetI(), 49);
+    Turn(180);
+    EXPECT_EQ(field->ValueGetI(), 50);
+    Turn(60);
+    EXPECT_EQ(field->ValueGetI(), 51) << "the half that was left";
 }
 
 struct wheelRow {

@@ -337,6 +337,31 @@ TEST_F(ctrlGraphPaintTest, ManySamplesBecomeColumnsFromTheirLeastToTheirMost)
     EXPECT_NEAR(level, 50.5F, 0.07F) << "a flat column is one pixel high";
 }
 
+TEST_F(ctrlGraphPaintTest, AColumnReachesToItsNeighbourAndAnotherModeLeavesTheGap)
+{
+    Graph->SetRangeX(0, 1592);
+    Graph->SetExtentX(1592, false);
+    // Eight samples a column. From low to high between two of them, and no sample on the way.
+    std::vector<float> samples(1592, -0.9F);
+    std::fill(samples.begin() + 804, samples.end(), 0.9F);
+    Push(samples);
+    // The figure goes along the upper ends of the columns, two points each, and back along the lower ones.
+    const auto widestGap = [this] {
+        const std::vector<drawPoint> points = Figure();
+        float gap = 0;
+        for (size_t at = 0; at + 2 < points.size() / 2; at += 2) {
+            const size_t back = points.size() - 1 - at;
+            gap = std::max(gap, std::max(points[at].Y, points[at + 2].Y) -
+                                    std::min(points[back].Y, points[back - 2].Y));
+        }
+        return gap;
+    };
+    EXPECT_LE(widestGap(), 0.0F);
+    Graph->SeriesById(0)->ColumnMode = 7;
+    Push(samples);
+    EXPECT_GT(widestGap(), 80.0F);
+}
+
 TEST_F(ctrlGraphPaintTest, OtherColumnsShowOneOfTheirSamples)
 {
     std::vector<float> data;

@@ -3,6 +3,8 @@
 #include "tests/toolkit/controlTest.h"
 #include "toolkit/ctrlSlider.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <numeric>
 #include <thread>
 
@@ -54,6 +56,50 @@ TEST_F(ctrlGridTest, WithoutRowsOrColumnsThereIsOnlyGround)
         EXPECT_EQ(Selections, 0);
         EXPECT_EQ(grid->ScrollV, nullptr);
         grid->Destroy();
+    }
+}
+
+// What a record of fills leaves on the screen, as the colours of its pixels.
+std::vector<std::string> screenOf(const std::vector<std::string>& fills, int32_t width, int32_t height)
+{
+    std::vector<std::string> pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
+    for (const std::string& line : fills) {
+        rect area;
+        char shade[16] = {};
+        if (std::sscanf(line.c_str(), "fill %*d %d,%d,%d,%d %15[^/]", &area.Left, &area.Top, &area.Right,
+                        &area.Bottom, shade) != 5)
+            continue;
+        for (int32_t y = std::max(area.Top, 0); y < std::min(area.Bottom, height); ++y) {
+            for (int32_t x = std::max(area.Left, 0); x < std::min(area.Right, width); ++x)
+                pixels[static_cast<size_t>(y * width + x)] = shade;
+        }
+    }
+    return pixels;
+}
+
+TEST_F(ctrlGridTest, LinesStandBetweenAllCellsWhateverFillsThem)
+{
+    constexpr int32_t wide = 151;
+    constexpr int32_t high = 81;
+    for (const colour cells : {colourDefault, colour{0x102030}}) {
+        for (const gridSelection& selection : {gridSelection{9, 9, 9, 9}, gridSelection{1, 2, 0, 1}}) {
+            ctrlGrid* grid = Grid(3, 4, wide, high);
+            grid->StyleSet(styleGridLinesV | styleGridLinesH | styleGridSelectMany);
+            grid->BorderStyle(ctrlBorder::None);
+            grid->LineColour = 0x0000FF;
+            grid->CellColour = cells;
+            grid->Selection = selection;
+            grid->Invalidate(true);
+            const std::vector<std::string> pixels = screenOf(Drawn({"fill "}), wide, high);
+            for (int32_t y = 0; y < high; ++y) {
+                for (int32_t x = 0; x < wide; ++x) {
+                    const bool isLine = x % 50 == 0 || y % 20 == 0;
+                    ASSERT_EQ(pixels[static_cast<size_t>(y * wide + x)] == "FF0000", isLine)
+                        << x << "," << y << " " << cells << " " << selection.FirstRow;
+                }
+            }
+            grid->Destroy();
+        }
     }
 }
 
