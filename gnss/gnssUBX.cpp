@@ -182,6 +182,5 @@ void gnssUBX::Decode_TimTP(ubxPayload payload)
     PPSError = payload.i4(8) * 1e-12;  // qErr
     PPSWeek = payload.u2(12);          // week
     RaiseNewData();
-    if (OnPPS)
-        OnPPS();
+    OnPPS();
 }

@@ -10,13 +10,13 @@
 #pragma once
 
 #include "gnss/gnss.h"
+#include "gnss/gnssEvent.h"
 #include "gnss/ubxPayload.h"
 #include "gnss/ubxSignals.h"
 
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <vector>
 
 class gnssUBX : public gnss
@@ -116,8 +116,9 @@ public:
     double PPSError = 0;  // seconds: the quantisation error of the next pulse
     double PPSTime = 0;   // seconds of the week of the next pulse
 
-    std::function<void()> OnPPS;                        // the next pulse was announced; may be empty
-    std::function<void(const Spectrum&)> OnRFSpectrum;  // may be empty
+    // These two may be set while Feed runs.
+    gnssEvent<void()> OnPPS;                        // the next pulse was announced; may be empty
+    gnssEvent<void(const Spectrum&)> OnRFSpectrum;  // may be empty
 
     std::atomic<float> PPSDuty{0};     // 0 to 1
     std::atomic<float> PPSRate{1.0f};  // pulses per second
