@@ -233,6 +233,8 @@ public:
     void Height(uint32_t height);
     void HeightRange(uint32_t least, uint32_t most);  // 0 as the most is no limit
     void WidthRange(uint32_t least, uint32_t most);
+    uint32_t LeastWidth() const { return WidthLeast; }
+    uint32_t LeastHeight() const { return HeightLeast; }
     uint32_t ClampWidth(uint32_t width) const;  // into its range
     uint32_t ClampHeight(uint32_t height) const;
     void Centre();

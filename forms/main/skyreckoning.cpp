@@ -1,0 +1,65 @@
+// The program's entry.
+#include "forms/arguments.h"
+#include "forms/gnssComm_UI.h"
+#include "forms/help.h"
+#include "forms/uiAbout.h"
+
+namespace {
+
+constexpr char programName[] = "Skyreckoning";
+constexpr char programVersion[] = "1.0.5.5";
+constexpr char settingsRoot[] = "Software\\Vintermark\\Skyreckoning";
+constexpr char manual[] = "Skyreckoning.chm";
+constexpr char aboutNote[] = "Monitor for GNSS receivers";
+constexpr uint8_t receiverMode = 3;  // of a receiver that stands or moves anywhere up to airborne
+
+void showAbout(ctrlForm* form)
+{
+    auto* about =
+        new uiAbout(form, programName, programVersion, uiAboutWeb, uiAboutWeb, uiAboutMail, aboutNote);
+    about->Icon(form->Icon());
+    about->Modal(true);
+}
+
+void setReceiverMode(gnssComm& link)
+{
+    const thrSpinHold hold(link.Lock);
+    if (gnss* decoder = link.Decoder())
+        decoder->ReceiverModeSet(receiverMode);
+}
+
+bool notified(gnssComm::UI* form, unsigned code)
+{
+    switch (code) {
+    case notifyAbout:
+        showAbout(form);
+        return true;
+    case notifyDetected:
+        setReceiverMode(form->Link());
+        return true;
+    case notifyHelp:
+        Help(manual, form);
+        return true;
+    default:
+        return false;
+    }
+}
+
+}  // namespace
+
+int main(int count, char** words)
+{
+    argumentsKeep({words, words + count});
+    auto* form = new gnssComm::UI(nullptr, settingsRoot, "", "", formAbout | formHelp);
+    if (!form->Handle()) {
+        delete form;
+        return 1;
+    }
+    form->OnNotify = [form](unsigned code) { return notified(form, code); };
+    form->Show();
+    form->Centre();
+    form->Start();
+    while (Toolkit().PumpOne(true)) {
+    }
+    return 0;
+}
