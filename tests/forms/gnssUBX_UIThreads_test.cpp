@@ -2,11 +2,12 @@
 #include "tests/forms/ubxPageTest.h"
 
 #include <atomic>
+#include <chrono>
 #include <thread>
 
 namespace {
 
-// A receiver that never pauses, on a thread of its own and under the lock of its link.
+// A receiver that hardly pauses, on a thread of its own and under the lock of its link.
 class gnssUBX_UIThreadsTest : public ubxPageTest
 {
 protected:
@@ -36,7 +37,8 @@ protected:
                 Feed(bytes);
             }
             ++Delivered;
-            letOthersRun();
+            // Often, but not so that a slow machine never comes to the end of its paints.
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
     }
 

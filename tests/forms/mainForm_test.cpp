@@ -394,8 +394,10 @@ TEST_F(mainFormTest, ItMayBeClosedWhileBytesArrive)
     ASSERT_TRUE(Hear(position, "NMEA"));
     Press(Form->ServerButton);
     std::jthread line([](const std::stop_token& stop) {
-        while (!stop.stop_requested())
+        while (!stop.stop_requested()) {
             fakePortReceive("COM5", position);
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
     });
     ASSERT_TRUE(Comes([&] { return Form->Server.ListeningPort() != 0; }));
     fakePeerConnect(Form->Server.ListeningPort());
