@@ -247,7 +247,8 @@ void ctrlPage::PaintTab(uint64_t index, const rect& box)
     RectFillClipped(inner);
     ColourEnabled(theme::FaceText, true);
     const int32_t close = HasCloseButtons() ? scaled(closeSide) : 0;
-    const rect text{inner.Left + scaled(closeGap), inner.Top, inner.Right - scaled(closeGap) - close, inner.Bottom};
+    const rect text{inner.Left + scaled(closeGap), inner.Top, inner.Right - scaled(closeGap) - close,
+                    inner.Bottom};
     Text(text, Page(index)->Name().c_str(), textTrim);
 }
 
