@@ -134,17 +134,15 @@ void ctrlEdit_Angle::MouseEvent(MouseEv event, unsigned keys, int delta)
         ctrlEdit_Digits::MouseEvent(event, keys, delta);
 }
 
-void ctrlEdit_Angle::Paint()
+// Selection and caret keep away from the letter.
+void ctrlEdit_Angle::PaintText()
 {
-    ctrlEdit_Spin::Paint();
-    ++PaintRect.Left;
-    --PaintRect.Right;
     const char letter[] = {Letter(std::signbit(Value_)), '\0'};
     LetterWidth = static_cast<int32_t>(TextSize(letter, 1).Width);
     const uint64_t last = Length() - 1;
     SelectionSet(std::min(SelectionStart(), last), std::min(SelectionEnd(), last));
     CaretSet(Caret());
-    TextDraw(Name());
+    ctrlEdit_Digits::PaintText();
 }
 
 bool ctrlEdit_Angle::KeyEvent(KeyEv event, uint32_t key)
@@ -153,7 +151,7 @@ bool ctrlEdit_Angle::KeyEvent(KeyEv event, uint32_t key)
         return ctrlEdit_Digits::KeyEvent(event, key);
     constexpr uint32_t caseBit = 0x20;
     for (const bool isNegative : {false, true}) {
-        const auto letter = static_cast<uint32_t>(Letter(isNegative));
+        const uint32_t letter = static_cast<unsigned char>(Letter(isNegative));
         if (key != letter && key != (letter | caseBit))
             continue;
         Turn(isNegative);

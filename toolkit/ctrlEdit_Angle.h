@@ -15,7 +15,6 @@ public:
     ~ctrlEdit_Angle() override;
 
     void MouseEvent(MouseEv event, unsigned keys, int delta) override;
-    void Paint() override;
     bool KeyEvent(KeyEv event, uint32_t key) override;
     void Commit() override;
     void Cancel() override;
@@ -30,6 +29,7 @@ public:
     void Decimals(int32_t count);  // of the seconds, 0 to 9
 
 protected:
+    void PaintText() override;
     bool Fits(std::string& text, uint64_t position, char digit) const override;
 
 private:

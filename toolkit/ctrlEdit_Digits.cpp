@@ -16,6 +16,11 @@ void ctrlEdit_Digits::Paint()
     ctrlEdit_Spin::Paint();
     ++PaintRect.Left;
     --PaintRect.Right;
+    PaintText();
+}
+
+void ctrlEdit_Digits::PaintText()
+{
     TextDraw(Name());
 }
 

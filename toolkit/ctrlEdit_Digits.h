@@ -22,6 +22,9 @@ public:
     void CaretSet(uint64_t position) override;
 
 protected:
+    // Draws the text into the paint rectangle. Behind it this edit may be gone.
+    virtual void PaintText();
+
     // Where a digit stands: between marks, in a group of some digits.
     struct digitPlace {
         uint64_t Group = 0;

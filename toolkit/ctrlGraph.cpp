@@ -29,9 +29,9 @@ ctrlGraph::ctrlGraph(ctrlWindow* parent, int32_t x, int32_t y, uint32_t width, u
     AxisY.Maximum = fullExtentY;
     AxisY.Minimum = -fullExtentY;
     AxisY.FullExtent = fullExtentY;
-    AttachX(new AxisLink(0));
-    AttachY(new AxisLink(linkVertical));
-    AttachCursors(new CursorGroup(0));
+    AttachOwnX();
+    AttachOwnY();
+    AttachOwnCursors();
     StateSet(stateRedrawFrame | stateRedrawTraces);
 }
 

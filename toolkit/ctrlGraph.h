@@ -239,6 +239,9 @@ private:
 
     bool Prepare(double& min, double& max, const char* reversed) const;
     void SetRange(AxisLink* const ctrlGraph::*link, Axis ctrlGraph::*axis, double min, double max);
+    void AttachOwnX();  // of no other graph
+    void AttachOwnY();
+    void AttachOwnCursors();
     void Attach(AxisLink* ctrlGraph::*place, AxisLink* link);
     void Detach(AxisLink* ctrlGraph::*place);
     void Leave(AxisLink& link);  // under both locks

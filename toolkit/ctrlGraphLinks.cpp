@@ -42,13 +42,8 @@ private:
 ctrlGraph::AxisLink::~AxisLink()
 {
     Dying = true;
-    while (!Graphs.empty()) {
-        ctrlGraph& graph = *Graphs.back();
-        if (IsVertical())
-            graph.AttachY(new AxisLink(linkVertical));
-        else
-            graph.AttachX(new AxisLink(0));
-    }
+    while (!Graphs.empty())
+        IsVertical() ? Graphs.back()->AttachOwnY() : Graphs.back()->AttachOwnX();
 }
 
 void ctrlGraph::AxisLink::EndIfLeft()
@@ -155,7 +150,7 @@ ctrlGraph::CursorGroup::~CursorGroup()
 {
     Dying = true;
     while (!Graphs.empty())
-        Graphs.back()->AttachCursors(new CursorGroup(0));
+        Graphs.back()->AttachOwnCursors();
 }
 
 void ctrlGraph::AttachCursors(CursorGroup* group)
@@ -176,6 +171,21 @@ void ctrlGraph::AttachCursors(CursorGroup* group)
 }
 
 // --- Graphs on links
+
+void ctrlGraph::AttachOwnX()
+{
+    AttachX(new AxisLink(0));
+}
+
+void ctrlGraph::AttachOwnY()
+{
+    AttachY(new AxisLink(linkVertical));
+}
+
+void ctrlGraph::AttachOwnCursors()
+{
+    AttachCursors(new CursorGroup(0));
+}
 
 void ctrlGraph::AttachX(AxisLink* link)
 {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <ranges>
 
 namespace {
 
@@ -160,9 +161,9 @@ void graphColumns::Finish()
         point(one.Pixel + back, one.Low);
         point(one.Pixel + 1 - back, one.Low);
     }
-    for (auto one = Row.rbegin(); one != Row.rend(); ++one) {
-        point(one->Pixel + 1 - back, one->High);
-        point(one->Pixel + back, one->High);
+    for (const column& one : std::views::reverse(Row)) {
+        point(one.Pixel + 1 - back, one.High);
+        point(one.Pixel + back, one.High);
     }
     Target.Polygon(Drawn.data(), Drawn.size());
     Row.clear();

@@ -14,22 +14,22 @@
 
 namespace {
 
-// ln(1 + m) for m in sqrt(1/2) - 1 to sqrt(2) - 1 is m - m^2 / 2 + m^3 times this polynomial; ln 2 is added
-// in two parts, of which the first is exact in its products with small whole numbers.
-constexpr float lnPolynomial[] = {7.0376836292E-2F,  -1.1514610310E-1F, 1.1676998740E-1F,
-                                  -1.2420140846E-1F, 1.4249322787E-1F,  -1.6668057665E-1F,
-                                  2.0000714765E-1F,  -2.4999993993E-1F, 3.3333331174E-1F};
-constexpr size_t lnTerms = sizeof lnPolynomial / sizeof *lnPolynomial;
-constexpr float ln2High = 0.693359375F;
-constexpr float ln2Low = -2.12194440e-4F;
-constexpr float infinite = std::numeric_limits<float>::infinity();
-constexpr float rootHalf = 0.707106781186547524F;
-constexpr int32_t mantissaBits = 23;
-constexpr int32_t mantissaMask = 0x007FFFFF;
-constexpr int32_t halfBits = 0x3F000000;  // of 0.5
-constexpr int32_t exponentBias = 126;     // of a mantissa from 0.5 up
-
 struct vectorLoops {
+    // ln(1 + m) for m in sqrt(1/2) - 1 to sqrt(2) - 1 is m - m^2 / 2 + m^3 times this polynomial; ln 2 is
+    // added in two parts, of which the first is exact in its products with small whole numbers.
+    static constexpr float lnPolynomial[] = {7.0376836292E-2F,  -1.1514610310E-1F, 1.1676998740E-1F,
+                                             -1.2420140846E-1F, 1.4249322787E-1F,  -1.6668057665E-1F,
+                                             2.0000714765E-1F,  -2.4999993993E-1F, 3.3333331174E-1F};
+    static constexpr size_t lnTerms = sizeof lnPolynomial / sizeof *lnPolynomial;
+    static constexpr float ln2High = 0.693359375F;
+    static constexpr float ln2Low = -2.12194440e-4F;
+    static constexpr float infinite = std::numeric_limits<float>::infinity();
+    static constexpr float rootHalf = 0.707106781186547524F;
+    static constexpr int32_t mantissaBits = 23;
+    static constexpr int32_t mantissaMask = 0x007FFFFF;
+    static constexpr int32_t halfBits = 0x3F000000;  // of 0.5
+    static constexpr int32_t exponentBias = 126;     // of a mantissa from 0.5 up
+
     using number [[gnu::vector_size(lanes * sizeof(float))]] = float;
     using whole [[gnu::vector_size(lanes * sizeof(int32_t))]] = int32_t;
 
