@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <ranges>
 
 namespace {
 
@@ -161,7 +160,8 @@ void graphColumns::Finish()
         point(one.Pixel + back, one.Low);
         point(one.Pixel + 1 - back, one.Low);
     }
-    for (const column& one : std::views::reverse(Row)) {
+    for (size_t at = Row.size(); at-- > 0;) {
+        const column& one = Row[at];
         point(one.Pixel + 1 - back, one.High);
         point(one.Pixel + back, one.High);
     }
