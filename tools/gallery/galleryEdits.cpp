@@ -63,6 +63,13 @@ private:
     uint32_t Rows = 0;
 };
 
+// Shows a value and takes none: Tab passes it by.
+void displayOnly(ctrlEdit_Base* edit)
+{
+    edit->EditStyleClear(uint32_t{styleFocusable} | styleSpinArrows);
+    edit->TabOrder(0);
+}
+
 void textSheet(ctrlWindow* parent, int32_t x, int32_t y)
 {
     auto* sheet = new rowSheet(parent, x, y, 9, "Texts");
@@ -74,7 +81,7 @@ void textSheet(ctrlWindow* parent, int32_t x, int32_t y)
     sheet->TextRow("other scripts", "Zürich, Αθήνα, 東京, 🛰")->MaxLength(40);
     sheet->TextRow("at most 8", "12345678")->MaxLength(8);
     sheet->TextRow("password", "secret")->StyleSet(styleEditPassword);
-    sheet->TextRow("display", "cannot be typed in")->EditStyleClear(styleFocusable);
+    displayOnly(sheet->TextRow("display", "cannot be typed in"));
     sheet->TextRow("disabled", "cannot be used")->Enable(false);
 }
 
@@ -102,10 +109,8 @@ void valueSheet(ctrlWindow* parent, int32_t x, int32_t y)
     port->Value(4003);
     sheet->ValueRow("narrow", 98765.4321, "ns", styleValPlain)
         ->Width(static_cast<uint32_t>(galleryScaled(60)));
-    ctrlEdit_Val* display = sheet->ValueRow("display", -12.34, "ns", styleValPlain);
-    display->ValStyleClear(styleSpinArrows | uint32_t{styleFocusable});
-    sheet->ValueRow("display, no unit", 0.98, "", styleValPlain)
-        ->ValStyleClear(styleSpinArrows | uint32_t{styleFocusable});
+    displayOnly(sheet->ValueRow("display", -12.34, "ns", styleValPlain));
+    displayOnly(sheet->ValueRow("display, no unit", 0.98, "", styleValPlain));
     sheet->ValueRow("disabled", 42, "Hz", styleSpinDrop)->Enable(false);
 }
 
@@ -130,8 +135,8 @@ void digitSheet(ctrlWindow* parent, int32_t x, int32_t y)
     minutes->EditStyleSet(styleSpinArrows);
     auto* display = sheet->Add("display", new ctrlEdit_Time(sheet, 0));
     display->Value(82800);
-    display->EditStyleClear(styleFocusable);
-    sheet->Add("display", new ctrlEdit_Angle(sheet, ctrlEditLatitude))->EditStyleClear(styleFocusable);
+    displayOnly(display);
+    displayOnly(sheet->Add("display", new ctrlEdit_Angle(sheet, ctrlEditLatitude)));
     auto* date = sheet->Add("disabled", new ctrlEdit_Date(sheet, 0));
     date->Date(1980, 1, 6);
     date->Enable(false);
