@@ -255,7 +255,7 @@ TEST_F(ctrlGraphTest, StepsAreOneTwoAndFive)
     EXPECT_DOUBLE_EQ(graphStepFrom(1), 1);
     EXPECT_DOUBLE_EQ(graphStepFrom(1.1), 2);
     EXPECT_DOUBLE_EQ(graphStepFrom(2.5), 5);
-    EXPECT_DOUBLE_EQ(graphStepFrom(6e-13), 1e-12);
+    EXPECT_NEAR(graphStepFrom(6e-13), 1e-12, 1e-24);
     EXPECT_DOUBLE_EQ(graphStepFrom(3e11), 5e11);
     EXPECT_DOUBLE_EQ(graphStepAfter(1), 2);
     EXPECT_DOUBLE_EQ(graphStepAfter(2), 5);
