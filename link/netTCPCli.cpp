@@ -138,11 +138,12 @@ void netTCPCli::Raise(uint32_t event)
 
 void netTCPCli::Run()
 {
-    Set(ThreadBegun);
+    // An accepted connection can be ended from its first moment: it has a socket, and nobody would end it later.
+    Set(Is(Accepted) ? ThreadBegun | Connecting : ThreadBegun);
     // A signal for a thread that has gone is not for this one.
     WaitEvent.Wait(0);
     do {
-        if (Is(Disconnecting))
+        if (Is(Disconnecting) && !Is(Accepted))
             threadSleep(PollMs);
         else
             Attempt();

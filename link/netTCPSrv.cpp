@@ -121,14 +121,13 @@ void netTCPSrv::Take(socketHandle socket, const socketAddress& peer)
     auto made = std::make_unique<netTCPCli>(rejected ? Accepted | Rejected : Accepted);
     netTCPCli& client = *made;
     client.Adopt(socket, peer);
-    {
-        const std::lock_guard lock(ClientsLock);
-        Clients.push_back(std::move(made));
-    }
     if (!rejected && OnAccepted)
         OnAccepted(client);
+    // Begun and listed as one step: who ends the server now finds a connection that can be ended, and one that
+    // comes too late for that is ended here.
+    const std::lock_guard lock(ClientsLock);
+    Clients.push_back(std::move(made));
     client.Connect();
-    // It may have come too late to be told that the server ends.
     if (Socket == socketNone)
         client.Disconnect(false);
 }

@@ -251,6 +251,8 @@ TEST_F(mainFormTest, TheServerRunsWhileItsButtonIsPressedAndCountsItsClients)
     EXPECT_TRUE(Comes([&] { return Name(Form->ClientsLabel) == "1 client"; }));
     const unsigned two = fakePeerConnect(Form->Server.ListeningPort());
     EXPECT_TRUE(Comes([&] { return Name(Form->ClientsLabel) == "2 clients"; }));
+    for (const unsigned peer : {one, two})
+        EXPECT_TRUE(Comes([&] { return !fakePeerReceived(peer).empty(); })) << "greeted, and served from now on";
     fakePortReceive("COM5", position);
     for (const unsigned peer : {one, two})
         EXPECT_TRUE(Comes([&] { return fakePeerReceived(peer).find("GPGGA") != std::string::npos; }));
@@ -260,6 +262,7 @@ TEST_F(mainFormTest, TheServerRunsWhileItsButtonIsPressedAndCountsItsClients)
     EXPECT_EQ(Name(Form->ClientsLabel), "");
     EXPECT_TRUE(Form->PortBox->IsEnabled());
     EXPECT_TRUE(Comes([&] { return Form->Server.ListeningPort() == 0; }));
+    EXPECT_TRUE(Comes([&] { return fakePeerEnded(two); }));
 }
 
 TEST_F(mainFormTest, AServerThatIsWantedComesBackWithItsRole)

@@ -94,7 +94,9 @@ TEST_F(uiMessageTest, DrawsItsTextInTheColourOfLabels)
 {
     Look("Some text", {}, [] {
         Box()->Invalidate(true);
-        EXPECT_THAT(Drawn({"text"}), ElementsAre(testing::HasSubstr(" \"Some text\" at 8,8 in ")));
+        EXPECT_THAT(Drawn({"text"}),
+                    ElementsAre(testing::AllOf(testing::HasSubstr(" \"Some text\" at 8,8 in "),
+                                               testing::HasSubstr("x17 left top FFC000/1 size 11"))));
     });
 }
 

@@ -214,4 +214,26 @@ TEST_F(netTCPSrvTest, EndsItsPeersOrderlyWhenItStopsButNotForGood)
     EXPECT_TRUE(await([&] { return !Server.IsAlive(); }));
 }
 
+TEST_F(netTCPSrvTest, EndsAPeerThatComesWhileItStops)
+{
+    for (unsigned round = 0; round < 400; ++round) {
+        SCOPED_TRACE(round);
+        Server.SetPort(serverPort);
+        Server.Listen();
+        ASSERT_TRUE(await([&] { return Server.ListeningPort() == serverPort; }));
+        const size_t former = Accepted.size();
+        const unsigned peer = fakePeerConnect(serverPort);
+        if (round % 2 == 0) {
+            ASSERT_TRUE(AwaitAccepted(former + 1));
+        }
+        for (unsigned turn = 0; turn < round % 40; ++turn)
+            std::this_thread::yield();
+        Server.Stop(false);
+        ASSERT_TRUE(await([&] { return !Server.IsAlive(); }));
+        ASSERT_TRUE(await([&] { return fakePeerEnded(peer); }));
+        fakePeerClose(peer);
+    }
+    EXPECT_TRUE(await([&] { return OfClients.Count(netTCPCli::EventDisconnected) == Accepted.size(); }));
+}
+
 }  // namespace
