@@ -121,7 +121,6 @@ void gnssComm::UI::Client_OnEvent(uint32_t event)
 
 void gnssComm::UI::WrongServer()
 {
-    const ctrlLife life(this);
     Client.Disconnect(false);
     uiMessage::Execute(static_cast<ctrlForm*>(this), failureTitle, "Unsupported server type!");
 }
