@@ -106,6 +106,7 @@ private:
     void PlaceSerial(const place& here);
     void PlaceNetwork(const place& here);
     void Limit(int32_t pageTop);
+    void BackInSight();
 
 protected:
     settingsList Settings;

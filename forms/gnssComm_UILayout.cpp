@@ -137,6 +137,22 @@ void gnssComm::UI::Limit(int32_t top)
         width = std::max(width, static_cast<int32_t>(Page->LeastWidth()) + 2 * gap);
         height += static_cast<int32_t>(Page->LeastHeight()) + gap;
     }
+    const uint32_t formerWidth = Width();
+    const uint32_t formerHeight = Height();
     WidthRange(static_cast<uint32_t>(width), static_cast<uint32_t>(width));
     HeightRange(static_cast<uint32_t>(height), Page ? 0U : static_cast<uint32_t>(height));
+    if (Width() > formerWidth || Height() > formerHeight)
+        BackInSight();
+}
+
+// A page that comes must not push the form over the edge of its screen. Where the user has put it is his.
+void gnssComm::UI::BackInSight()
+{
+    windowArea work;
+    if (!Handle() || !Toolkit().Windows().WorkAreaOf(Handle(), work))
+        return;
+    const int32_t right = work.Right - static_cast<int32_t>(Width());
+    const int32_t bottom = work.Bottom - static_cast<int32_t>(Height());
+    Move(std::max(std::min(X(), right), work.Left), std::max(std::min(Y(), bottom), work.Top), Width(),
+         Height());
 }

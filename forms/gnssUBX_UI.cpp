@@ -40,6 +40,7 @@ gnssUBX::UI::UI(ctrlWindow* parent, uint32_t flags) : gnss::UI(parent, flags)
 gnssUBX::UI::~UI()
 {
     StateSet(stateClosing);
+    SpectrumRest.Stop();
     Deafen();
     // An edit that has the focus commits when it goes.
     RateEdit->OnChange = nullptr;

@@ -7,9 +7,11 @@
 #pragma once
 
 #include "forms/gnssUI.h"
+#include "foundations/thread/thrTimer.h"
 #include "gnss/gnssUBX.h"
 
 #include <array>
+#include <atomic>
 #include <memory>
 #include <vector>
 
@@ -56,6 +58,7 @@ protected:
     std::vector<ctrlGraphSpectrum*> SpectrumGraphs;  // one for each RF block; changed while nobody listens
     uint16_t ShownProtVer = 0;                       // of the last refresh, for painting
     uint8_t ShownModel = 0;                          // the same
+    thrTimer SpectrumRest;                           // from one request for a spectrum to the next
 
 private:
     static constexpr uint32_t stateBoxClicked = 0x8000;  // since the last refresh
@@ -74,7 +77,9 @@ private:
     void Spectrum_OnRFSpectrum(const Spectrum& told);
     void RFSpectrumAdd(size_t count);
     ctrlGraphSpectrum* MakeSpectrum(ctrlWindow* parent);
+    void SpectrumPainted();
     void AskSpectrum();
+    void SpectrumRested();
     void PulseChanged();
 
     ctrlButton* SignalBox(ubxSignal signal) const;
@@ -88,5 +93,8 @@ private:
     void PlaceTabs();
     void PaintVersion();
 
-    std::weak_ptr<const char> Ear;  // lives as long as the decoder has the handlers of this page
+    std::weak_ptr<const char> Ear;          // lives as long as the decoder has the handlers of this page
+    std::atomic<bool> SpectrumCame{false};  // since it was last asked for
+    bool SpectrumResting = false;
+    bool SpectrumOwed = false;  // was painted while it rested
 };

@@ -32,6 +32,7 @@ constexpr double leastMargin = 0.1;  // ns, above and below the history
 constexpr double marginPart = 0.05;
 
 constexpr uint32_t spectrumSide = 100;
+constexpr uint32_t spectrumRestMs = 100;
 constexpr uint32_t spectrumTab = 128;  // a style bit, for those who look for this tab
 
 }  // namespace
@@ -130,7 +131,7 @@ ctrlGraphSpectrum* gnssUBX::UI::MakeSpectrum(ctrlWindow* parent)
     auto* graph = new ctrlGraphSpectrum(parent, 0, 0, spectrumSide, spectrumSide, 0);
     graph->OnNotify = [this](unsigned code) {
         if (code == notifyPainted)
-            AskSpectrum();
+            SpectrumPainted();
         return false;
     };
     // Levels come in decibels already: the way back undoes what the graph would make of amplitudes.
@@ -147,11 +148,46 @@ ctrlGraphSpectrum* gnssUBX::UI::MakeSpectrum(ctrlWindow* parent)
     return graph;
 }
 
-// A graph that is seen paints, the paint asks for the next spectrum, and that lets the graph paint again.
+// A graph that is seen paints, the paint asks for the next spectrum, and that lets the graph paint again. On
+// a fast line the circle would go round a hundred times a second, faster than anybody can look.
+void gnssUBX::UI::SpectrumPainted()
+{
+    if (!SpectrumResting)
+        AskSpectrum();
+    else if (SpectrumCame)
+        SpectrumOwed = true;
+}
+
 void gnssUBX::UI::AskSpectrum()
 {
-    if (gnssUBX* receiver = Receiver())
-        receiver->PendingSpectrum = 1;
+    gnssUBX* receiver = Receiver();
+    SpectrumCame = false;
+    SpectrumOwed = false;
+    if (!receiver)
+        return;
+    receiver->PendingSpectrum = 1;
+    if (SpectrumResting)
+        return;
+    SpectrumResting = true;
+    SpectrumRest.Period = spectrumRestMs;
+    SpectrumRest.OnTick = [this] {
+        Toolkit().Post(
+            [this, life = ctrlLife(this)] {
+                if (life && !HasState(stateClosing))
+                    SpectrumRested();
+            },
+            true);
+    };
+    SpectrumRest.Start();
+}
+
+void gnssUBX::UI::SpectrumRested()
+{
+    if (SpectrumOwed && SpectrumGraphs.front()->IsVisible())
+        return AskSpectrum();
+    SpectrumOwed = false;
+    SpectrumResting = false;
+    SpectrumRest.Stop();
 }
 
 // On the data thread. The receiver says where the spectrum lies, so a zoom ends with the next one.
@@ -164,5 +200,6 @@ void gnssUBX::UI::Spectrum_OnRFSpectrum(const Spectrum& told)
     graph->SetExtentX(told.HighFrequency - told.LowFrequency, true);
     graph->SetOriginX(told.LowFrequency);
     graph->SetRangeY(told.LowLevel, told.HighLevel);
+    SpectrumCame = true;
     graph->Push(told.Levels, told.Count, 1);
 }

@@ -1,3 +1,4 @@
+#include "tests/await.h"
 #include "tests/forms/ubxPageTest.h"
 
 namespace {
@@ -19,6 +20,24 @@ protected:
         const bool sent = std::find(Sent.begin(), Sent.end(), poll) != Sent.end();
         Sent.clear();
         return Receiver.PendingSpectrum.exchange(0) != 0 || sent;
+    }
+
+    void LetItRest()
+    {
+        for (int rest = 0; rest < 10; ++rest) {
+            Page->SpectrumRest.Signal();
+            letOthersRun();
+            Toolkit().PumpPending();
+        }
+    }
+
+    bool AskedAfterRest()
+    {
+        return await([this] {
+            Page->SpectrumRest.Signal();
+            Toolkit().PumpPending();
+            return Asked();
+        });
     }
 };
 
@@ -118,13 +137,40 @@ TEST_F(gnssUBX_UISpectrumTest, AsksForSpectraOnlyWhileSomebodyLooks)
 
     Feed(SpectrumOf(1));
     Toolkit().PumpPending();
-    EXPECT_TRUE(Asked()) << "the answer paints, and the paint asks again";
+    EXPECT_TRUE(AskedAfterRest()) << "the answer paints, and the paint asks again";
 
     SelectTab(PulseTab);
     Asked();
     Feed(SpectrumOf(1));
     Toolkit().PumpPending();
     EXPECT_FALSE(Asked()) << "a late answer paints nothing";
+}
+
+TEST_F(gnssUBX_UISpectrumTest, RestsBetweenTwoRequestsHoweverFastTheReceiverAnswers)
+{
+    ShownFor(11);
+    SelectTab(SpectrumTab);
+    EXPECT_TRUE(Asked());
+    Page->SpectrumRest.Period = 3'600'000;
+    Page->SpectrumRest.Start();
+    for (int round = 0; round < 20; ++round) {
+        Feed(SpectrumOf(2));
+        Toolkit().PumpPending();
+        EXPECT_FALSE(Asked()) << round;
+    }
+    EXPECT_TRUE(AskedAfterRest());
+    LetItRest();
+    EXPECT_FALSE(Asked()) << "once: the answer to it is not there yet";
+
+    SelectTab(PulseTab);
+    SelectTab(SpectrumTab);
+    Asked();
+    Feed(SpectrumOf(2));
+    Toolkit().PumpPending();
+    Asked();
+    SelectTab(PulseTab);
+    LetItRest();
+    EXPECT_FALSE(Asked()) << "nobody looks any more";
 }
 
 TEST_F(gnssUBX_UISpectrumTest, PollsTheSpectrumWithTheNextFrame)

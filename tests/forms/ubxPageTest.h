@@ -31,6 +31,7 @@ public:
     using UI::ShownProtVer;
     using UI::SignalBoxes;
     using UI::SpectrumGraphs;
+    using UI::SpectrumRest;
     using UI::Tabs;
     using UI::TDOPBox;
 };
