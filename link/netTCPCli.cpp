@@ -138,7 +138,8 @@ void netTCPCli::Raise(uint32_t event)
 
 void netTCPCli::Run()
 {
-    // An accepted connection can be ended from its first moment: it has a socket, and nobody would end it later.
+    // An accepted connection can be ended from its first moment: it has a socket, and nobody would end it
+    // later.
     Set(Is(Accepted) ? ThreadBegun | Connecting : ThreadBegun);
     // A signal for a thread that has gone is not for this one.
     WaitEvent.Wait(0);

@@ -123,8 +123,8 @@ void netTCPSrv::Take(socketHandle socket, const socketAddress& peer)
     client.Adopt(socket, peer);
     if (!rejected && OnAccepted)
         OnAccepted(client);
-    // Begun and listed as one step: who ends the server now finds a connection that can be ended, and one that
-    // comes too late for that is ended here.
+    // Begun and listed as one step: who ends the server now finds a connection that can be ended, and one
+    // that comes too late for that is ended here.
     const std::lock_guard lock(ClientsLock);
     Clients.push_back(std::move(made));
     client.Connect();

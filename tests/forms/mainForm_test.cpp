@@ -252,7 +252,8 @@ TEST_F(mainFormTest, TheServerRunsWhileItsButtonIsPressedAndCountsItsClients)
     const unsigned two = fakePeerConnect(Form->Server.ListeningPort());
     EXPECT_TRUE(Comes([&] { return Name(Form->ClientsLabel) == "2 clients"; }));
     for (const unsigned peer : {one, two})
-        EXPECT_TRUE(Comes([&] { return !fakePeerReceived(peer).empty(); })) << "greeted, and served from now on";
+        EXPECT_TRUE(Comes([&] { return !fakePeerReceived(peer).empty(); }))
+            << "greeted, and served from now on";
     fakePortReceive("COM5", position);
     for (const unsigned peer : {one, two})
         EXPECT_TRUE(Comes([&] { return fakePeerReceived(peer).find("GPGGA") != std::string::npos; }));
