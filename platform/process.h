@@ -10,6 +10,10 @@ struct processHandle;
 // The file of the running program, an absolute path, UTF-8. Empty when the system does not tell.
 std::string processPath();
 
+// The text that the program was started with, its own name and all arguments, UTF-8. Empty where the system
+// hands them over one by one.
+std::string processCommandLine();
+
 // Lets standard input give every byte as it came, where the system would take it for text. Once, before the
 // first read.
 void processInputBytes();

@@ -240,6 +240,8 @@ public:
 
     // --- Icons
 
+    // The icon that the program's file brings along, which is not to be destroyed. 0 where files have none.
+    virtual iconId ProgramIcon() = 0;
     // 0 for a shape that is not valid, and when the system has no room.
     virtual iconId MakeIcon(const windowIconShape& shape) = 0;
     virtual void DestroyIcon(iconId icon) = 0;               // of no window any more

@@ -3,6 +3,8 @@
 #include "forms/gnssComm_UI.h"
 #include "forms/help.h"
 #include "forms/uiAbout.h"
+#include "platform/process.h"
+#include "resources/icon/programIcon.h"
 
 namespace {
 
@@ -45,17 +47,31 @@ bool notified(gnssComm::UI* form, unsigned code)
     }
 }
 
+// What main is given went through the system's code page where there is one text for all arguments.
+std::vector<std::string> given(int count, char** words)
+{
+    const std::string line = processCommandLine();
+    return line.empty() ? std::vector<std::string>(words, words + count) : argumentsSplit(line);
+}
+
+iconId makeIcon()
+{
+    const iconId own = Toolkit().Windows().ProgramIcon();
+    return own ? own : Toolkit().Windows().MakeIcon(programIcon());
+}
+
 }  // namespace
 
 int main(int count, char** words)
 {
-    argumentsKeep({words, words + count});
+    argumentsKeep(given(count, words));
     auto* form = new gnssComm::UI(nullptr, settingsRoot, "", "", formAbout | formHelp);
     if (!form->Handle()) {
         delete form;
         return 1;
     }
     form->OnNotify = [form](unsigned code) { return notified(form, code); };
+    form->Icon(makeIcon());
     form->Show();
     form->Centre();
     form->Start();

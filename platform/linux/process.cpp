@@ -70,6 +70,11 @@ std::string processPath()
     }
 }
 
+std::string processCommandLine()
+{
+    return {};
+}
+
 void processInputBytes()
 {
     // Here every stream is one of bytes.

@@ -53,6 +53,11 @@ std::string processPath()
     }
 }
 
+std::string processCommandLine()
+{
+    return textTo8(reinterpret_cast<const char16_t*>(GetCommandLineW()));
+}
+
 void processInputBytes()
 {
     _setmode(_fileno(stdin), _O_BINARY);

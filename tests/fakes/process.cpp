@@ -44,6 +44,11 @@ std::string processPath()
     return fakes::ask("processPath").Scripted ? std::string() : "/fake/program";
 }
 
+std::string processCommandLine()
+{
+    return {};
+}
+
 void processInputBytes()
 {
     fakes::record("processInputBytes", {});

@@ -54,6 +54,11 @@ void scriptedWindows::DestroyCursor(cursorId cursor)
     desk->Cursors.erase(cursor);
 }
 
+iconId scriptedWindows::ProgramIcon()
+{
+    return 0;
+}
+
 iconId scriptedWindows::MakeIcon(const windowIconShape& shape)
 {
     const bool refused =

@@ -12,6 +12,14 @@ TEST_F(processContract, KnowsTheRunningProgramsFile)
     EXPECT_NE(processPath(), "");
 }
 
+TEST_F(processContract, KnowsTheTextItWasStartedWithWhereThereIsOne)
+{
+    const std::string text = processCommandLine();
+    if (text.empty())
+        GTEST_SKIP() << "arguments come one by one here";
+    EXPECT_NE(text.find("_test"), std::string::npos) << text;
+}
+
 TEST_F(processContract, StartsNothingWithoutAName)
 {
     EXPECT_EQ(processStart({}), nullptr);

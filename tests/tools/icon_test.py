@@ -57,6 +57,10 @@ class Icon(unittest.TestCase):
                 data = (FOLDER / f"skyreckoning-{size}.png").read_bytes()
                 self.assertTrue(png_rows(data) == (size, drawn_rows(size)))
 
+    def test_what_is_compiled_is_as_it_is_drawn(self):
+        self.assertEqual((FOLDER / "programIcon.cpp").read_text(encoding="ascii"),
+                         drawIcon.source(PICTURES[drawIcon.SOURCE_SIZE]))
+
     def test_the_windows_file_holds_six_sizes(self):
         images = list(ico_images((FOLDER / "skyreckoning.ico").read_bytes()))
         self.assertEqual([size for size, _, _ in images], [16, 24, 32, 48, 64, 256])

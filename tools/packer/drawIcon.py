@@ -3,7 +3,8 @@
 
 The dome of the sky over a horizon, a satellite on its arc above it, and the receiver that hears it, in the colours of the
 theme.
-Writes skyreckoning-SIZE.png for each size, and skyreckoning.ico of those that Windows asks for. Each size is drawn anew:
+Writes skyreckoning-SIZE.png for each size, skyreckoning.ico of those that Windows asks for, and programIcon.cpp for where a
+program's file has no icon. Each size is drawn anew:
 lines are whole pixels wide and begin on whole pixels, so that the smallest is as crisp as the largest.
 """
 
@@ -15,6 +16,7 @@ import zlib
 
 PNG_SIZES = (16, 24, 32, 48, 64, 128, 256)
 ICO_SIZES = (16, 24, 32, 48, 64, 256)
+SOURCE_SIZE = 48
 LARGEST_BITMAP = 64  # of the .ico; a larger one is a PNG
 
 SKY_TOP = (0x0C, 0x0C, 0x1C)
@@ -170,12 +172,44 @@ def ico(pictures):
     return directory + b"".join(images)
 
 
+def source(picture):
+    """The picture as a table that is compiled."""
+    words = []
+    for row in range(picture.size):
+        line = picture.bytes(row)
+        words += [f"0x{a:02X}{r:02X}{g:02X}{b:02X}" for r, g, b, a in zip(*(line[at::4] for at in range(4)))]
+    lines = "\n".join("    " + ",".join(words[at:at + 10]) + "," for at in range(0, len(words), 10))
+    return f"""// Made by tools/packer/drawIcon.py; not to be edited.
+#include "resources/icon/programIcon.h"
+
+#include <iterator>
+
+namespace {{
+
+constexpr uint32_t Side = {picture.size};
+
+// clang-format off
+constexpr uint32_t Pixels[] = {{
+{lines}
+}};
+// clang-format on
+
+}}  // namespace
+
+windowIconShape programIcon()
+{{
+    return {{Side, Side, {{std::begin(Pixels), std::end(Pixels)}}}};
+}}
+"""
+
+
 def main():
     folder = pathlib.Path(sys.argv[1])
     folder.mkdir(parents=True, exist_ok=True)
     pictures = {size: draw(size) for size in PNG_SIZES}
     for size, picture in pictures.items():
         (folder / f"skyreckoning-{size}.png").write_bytes(picture.png())
+    (folder / "programIcon.cpp").write_text(source(pictures[SOURCE_SIZE]), encoding="ascii")
     (folder / "skyreckoning.ico").write_bytes(ico([pictures[size] for size in ICO_SIZES]))
 
 

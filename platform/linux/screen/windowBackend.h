@@ -74,6 +74,7 @@ public:
     cursorId MakeCursor(const windowCursorShape& shape) override;
     void DestroyCursor(cursorId cursor) override;
     void SetCursor(cursorId cursor) override;
+    iconId ProgramIcon() override;
     iconId MakeIcon(const windowIconShape& shape) override;
     void DestroyIcon(iconId icon) override;
     void SetIcon(windowId window, iconId icon) override;

@@ -86,6 +86,11 @@ void windowBackend::DestroyCursor(cursorId cursor)
         Cursors.Destroy(static_cast<xcb_cursor_t>(cursor));
 }
 
+iconId windowBackend::ProgramIcon()
+{
+    return 0;
+}
+
 iconId windowBackend::MakeIcon(const windowIconShape& shape)
 {
     if (!shape.IsValid())

@@ -90,6 +90,12 @@ void systemWindows::SetCursor(cursorId cursor)
     ::SetCursor(reinterpret_cast<HCURSOR>(cursor));
 }
 
+iconId systemWindows::ProgramIcon()
+{
+    return reinterpret_cast<iconId>(
+        LoadImageW(GetModuleHandleW(nullptr), L"MAINICON", IMAGE_ICON, 0, 0, LR_DEFAULTSIZE | LR_SHARED));
+}
+
 iconId systemWindows::MakeIcon(const windowIconShape& shape)
 {
     if (!shape.IsValid())
