@@ -70,6 +70,7 @@ void gnssComm::UI::LoadSettings(const char* root, const char* section, const cha
     Store.Subsection = subsection;
     Store.LoadList(Settings);
     PlacementLoad(Store);
+    PageHeight = Height();
 }
 
 void gnssComm::UI::SaveSettings()

@@ -136,6 +136,9 @@ protected:
     gnss::UI* Page = nullptr;
     ctrlButton* ResetButton = nullptr;  // on the page
 
+    uint32_t PageHeight = 0;  // of the form when it last had a page
+    bool HadPage = false;     // at the last layout
+
     std::atomic<uint32_t> RunNumber{0};  // of the run that is on
     std::atomic<bool> ServerOn{false};   // what the count of clients asks, on any thread
     thrSpin CountLock;                   // one count is shown after the other

@@ -139,8 +139,14 @@ void gnssComm::UI::Limit(int32_t top)
     }
     const uint32_t formerWidth = Width();
     const uint32_t formerHeight = Height();
+    if (HadPage && !Page)
+        PageHeight = formerHeight;
+    const bool gotPage = Page && !HadPage;
+    HadPage = Page != nullptr;
     WidthRange(static_cast<uint32_t>(width), static_cast<uint32_t>(width));
     HeightRange(static_cast<uint32_t>(height), Page ? 0U : static_cast<uint32_t>(height));
+    if (gotPage && PageHeight > Height())
+        Move(X(), Y(), Width(), PageHeight);
     if (Width() > formerWidth || Height() > formerHeight)
         BackInSight();
 }
@@ -151,8 +157,9 @@ void gnssComm::UI::BackInSight()
     windowArea work;
     if (!Handle() || !Toolkit().Windows().WorkAreaOf(Handle(), work))
         return;
+    const uint32_t height = std::min(Height(), static_cast<uint32_t>(std::max(work.Bottom - work.Top, 1)));
     const int32_t right = work.Right - static_cast<int32_t>(Width());
-    const int32_t bottom = work.Bottom - static_cast<int32_t>(Height());
+    const int32_t bottom = work.Bottom - static_cast<int32_t>(height);
     Move(std::max(std::min(X(), right), work.Left), std::max(std::min(Y(), bottom), work.Top), Width(),
-         Height());
+         height);
 }

@@ -367,6 +367,49 @@ TEST_F(mainFormTest, ItIsAsWideAsItsPageAndGrowsInHeightAlone)
               static_cast<int32_t>(Form->Page->Height()));
 }
 
+TEST_F(mainFormTest, APageThatComesBackFindsTheHeightThatItHad)
+{
+    constexpr uint32_t taller = 150;
+    OpenAtPort();
+    ASSERT_TRUE(Hear(position, "NMEA"));
+    const uint32_t least = Form->Height();
+    Form->Move(Form->X(), Form->Y(), Form->Width(), least + taller);
+    Toolkit().PumpPending();
+    ASSERT_EQ(Form->Height(), least + taller);
+    Form->RoleBox->ComboSelect("Network", 0);
+    Form->RoleBox->OnChange();
+    Toolkit().PumpPending();
+    EXPECT_LT(Form->Height(), least);
+    Form->RoleBox->ComboSelect("Serial port", 0);
+    Form->RoleBox->OnChange();
+    ASSERT_TRUE(Hear(position, "NMEA"));
+    EXPECT_EQ(Form->Height(), least + taller);
+    delete std::exchange(Form, nullptr);
+    EXPECT_TRUE(Open());
+    ASSERT_TRUE(Hear(position, "NMEA"));
+    EXPECT_EQ(Form->Height(), least + taller) << "and so after a restart";
+}
+
+TEST_F(mainFormTest, APageThatComesPushesNothingOverTheEdgeOfTheScreen)
+{
+    OpenAtPort();
+    windowArea work;
+    ASSERT_TRUE(Toolkit().Windows().WorkAreaOf(Form->Handle(), work));
+    fakeUserMoves(Form->Handle(), work.Right - static_cast<int32_t>(Form->Width()),
+                  work.Bottom - static_cast<int32_t>(Form->Height()));
+    Toolkit().PumpPending();
+    ASSERT_TRUE(Hear(position, "NMEA"));
+    EXPECT_EQ(Form->X() + static_cast<int32_t>(Form->Width()), work.Right);
+    EXPECT_EQ(Form->Y() + static_cast<int32_t>(Form->Height()), work.Bottom);
+    fakeUserMoves(Form->Handle(), work.Right - 40, 0);
+    Toolkit().PumpPending();
+    const int32_t x = Form->X();
+    ASSERT_GT(x + static_cast<int32_t>(Form->Width()), work.Right);
+    Form->InvalidateLayout();
+    Toolkit().PumpPending();
+    EXPECT_EQ(Form->X(), x) << "where the user puts it is his";
+}
+
 TEST_F(mainFormTest, SettingsAndPlaceAreKept)
 {
     OpenAtPort();
