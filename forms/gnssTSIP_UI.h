@@ -47,6 +47,7 @@ private:
     rect SideLabel(uint32_t index) const;
     uint32_t SideEnd() const;
     void PaintSide();
+    uint32_t PanelIndent();
     void PaintPanel();
 
     std::vector<panelLine> Panel;

@@ -4,6 +4,7 @@
 #include "forms/pageText.h"
 #include "toolkit/ctrlEdit_Val.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace {
@@ -85,13 +86,28 @@ void gnssTSIP::UI::PaintSide()
         PaintText(SideLabel(index), sideTexts[index], theme::LabelText, pageValueFlags);
 }
 
+// How far all lines of the panel but the headings stand in: as usual, or as far as the widest of them leaves
+// room, which depends on the font that the system has.
+uint32_t gnssTSIP::UI::PanelIndent()
+{
+    uint32_t indent = panelIndent;
+    const uint32_t width = Scaled(panelWidth);
+    for (const panelLine& line : Panel) {
+        const uint32_t needed = TextSize(line.Text.c_str()).Width;
+        if (!line.Heading)
+            indent = std::min(indent, width > needed ? width - needed : 0);
+    }
+    return indent;
+}
+
 void gnssTSIP::UI::PaintPanel()
 {
+    const uint32_t lineIndent = PanelIndent();
     const uint32_t left = MinWidth(WidthBlock) + Gap + MinWidth(WidthGrid) + Gap;
     const uint32_t width = Scaled(panelWidth);
     uint32_t y = 0;
     for (const panelLine& line : Panel) {
-        const uint32_t indent = line.Heading ? 0 : panelIndent;
+        const uint32_t indent = line.Heading ? 0 : lineIndent;
         PaintText(BoxOf(left + indent, y, width - indent, LabelHeight()), line.Text, line.Shade,
                   pageLabelFlags);
         y += LabelHeight() + panelLineGap;

@@ -1,5 +1,7 @@
 #include "tests/forms/tsipPageTest.h"
 
+#include <algorithm>
+
 namespace {
 
 using testing::ElementsAre;
@@ -17,6 +19,12 @@ protected:
                       [&](const pageDrawn& one) { return one.Target != target || one.Area.Left < left; });
         return lines;
     }
+
+    // How far the lines of flags stand in where the widest of them has this text.
+    int32_t IndentFor(const char* widest) const
+    {
+        return std::clamp(170 - static_cast<int32_t>(Page->TextSize(widest).Width), 0, 10);
+    }
 };
 
 TEST_F(gnssTSIP_UIPanelTest, PaintsItsFlagsCalmWhenAllAreClear)
@@ -31,11 +39,12 @@ TEST_F(gnssTSIP_UIPanelTest, PaintsItsFlagsCalmWhenAllAreClear)
                             "Self-survey inactive", "Stored position", "Leap second pending", "Test mode",
                             "Position questionable", "EEPROM is corrupted", "Almanac", "PPS generated"));
     const int32_t left = AreaOf(Page->VisSats).Right + 4;
+    const int32_t indent = IndentFor("UTC offset information received");
     int32_t y = 0;
     for (const pageDrawn& line : lines) {
         const bool heading = line.Text.ends_with("flags:");
         const bool status = y > 5 * 16;
-        EXPECT_EQ(line.Area, (rect{left + (heading ? 0 : 10), y, left + 170, y + 14})) << line.Text;
+        EXPECT_EQ(line.Area, (rect{left + (heading ? 0 : indent), y, left + 170, y + 14})) << line.Text;
         EXPECT_TRUE(line.Has(heading  ? "FFC000/1"
                              : status ? "00FF00/1"
                                       : "FFFFFF/1"))
@@ -61,6 +70,24 @@ TEST_F(gnssTSIP_UIPanelTest, PaintsItsFlagsAsAlarmsWhenTheyAreSet)
         EXPECT_TRUE(lines[at].Has("FFFF00/1")) << lines[at].Text << lines[at].How;
     for (size_t at = 1; at < 5; ++at)
         EXPECT_TRUE(lines[at].Has("FFFFFF/1")) << lines[at].Text << lines[at].How;
+}
+
+TEST_F(gnssTSIP_UIPanelTest, CutsNoFlagWhereTheFontIsWide)
+{
+    ShownPage();
+    Feed(supplemental{});
+    const int32_t left = AreaOf(Page->VisSats).Right + 4;
+    for (const float size : {11.0F, 10.5F, 10.0F}) {
+        SCOPED_TRACE(size);
+        Page->FontSize(size);
+        Page->Invalidate(true);
+        const std::vector<pageDrawn> lines = PanelLines();
+        const int32_t indent = IndentFor("UTC offset information received");
+        EXPECT_EQ(indent > 0 && indent < 10, size == 10.5F) << indent;
+        EXPECT_EQ(Find(lines, "Almanac").Area.Left, left + indent);
+        EXPECT_EQ(Find(lines, "Antenna open").Area.Left, left + indent);
+        EXPECT_EQ(Find(lines, "Status flags:").Area.Left, left);
+    }
 }
 
 TEST_F(gnssTSIP_UIPanelTest, TellsEachStatusByItsOwnBit)
