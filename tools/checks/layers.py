@@ -19,7 +19,7 @@ ARROWS = {
     "gnss": ("foundations", "platform/clock.h"),
     "link": ("gnss", "foundations", "platform"),
     "toolkit": ("foundations", "platform"),
-    "resources": ("toolkit",),
+    "resources": ("toolkit", "platform"),
     "forms": ("resources", "toolkit", "link", "gnss", "foundations", "platform"),
     "tools": ("resources", "toolkit", "link", "gnss", "foundations", "platform"),
     "tests/fakes": ("foundations/text", "platform"),
