@@ -27,6 +27,8 @@ ARROWS = {
     **{f"tests/platform/{backend}": (f"platform/{backend}", "platform", "foundations", "tests")
        for backend in BACKENDS},
     "tests": ("tests/fakes", "tools", "forms", "resources", "toolkit", "link", "gnss", "foundations", "platform"),
+    # What looks at a program from outside asks the system alone.
+    **{f"bench/{backend}": () for backend in BACKENDS},
     "bench": ("tests", "forms", "toolkit", "link", "gnss", "foundations", "platform"),
     "fuzz": ("tests/fakes", "toolkit", "link", "gnss", "foundations", "platform"),
 }
@@ -89,7 +91,8 @@ def check_line(files, name, room, line):
 
 
 def is_backend(room):
-    return room in {f"{prefix}platform/{backend}" for backend in BACKENDS for prefix in ("", "tests/")}
+    return room in {f"{prefix}platform/{backend}" for backend in BACKENDS for prefix in ("", "tests/")} | {
+        f"bench/{backend}" for backend in BACKENDS}
 
 
 def is_known_library(room, target):
