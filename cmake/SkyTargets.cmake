@@ -72,5 +72,5 @@ function(sky_test name)
   set_tests_properties(${name} PROPERTIES
     TIMEOUT ${arg_TIMEOUT}
     # Tests write no setting of the person who runs them.
-    ENVIRONMENT "XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/config;TSAN_OPTIONS=halt_on_error=1;UBSAN_OPTIONS=print_stacktrace=1;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/leaks.txt:print_suppressions=0")
+    ENVIRONMENT "XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/config;TSAN_OPTIONS=halt_on_error=1:suppressions=${CMAKE_SOURCE_DIR}/tests/races.txt;UBSAN_OPTIONS=print_stacktrace=1;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/leaks.txt:print_suppressions=0")
 endfunction()

@@ -108,6 +108,13 @@ void simNvsReceiver::OnCommand(const std::vector<std::string_view>& fields)
         Restart(ColdFix);
 }
 
+// Its numbers have room for the satellites of BeiDou that were planned when it was made.
+bool simNvsReceiver::Knows(simSystem system, uint8_t svid) const
+{
+    constexpr uint8_t LastBeiDou = 37;
+    return system != simSystem::BeiDou || svid <= LastBeiDou;
+}
+
 // $PORZB,GSA,2,GSV,3: names and rates in turn. What is not named keeps its rate.
 void simNvsReceiver::SetRates(const std::vector<std::string_view>& fields)
 {

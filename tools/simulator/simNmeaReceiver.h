@@ -44,6 +44,7 @@ protected:
     void PowerUp() override;
     void OnEpoch(const simEpoch& epoch) override;
     void OnCommand(const std::vector<std::string_view>& fields) override;
+    bool Knows(simSystem system, uint8_t svid) const override;
 
 private:
     void SetRates(const std::vector<std::string_view>& fields);
