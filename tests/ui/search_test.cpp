@@ -60,7 +60,7 @@ TEST_F(searchUi, ThePortIsChosenWithTheMouse)
 {
     Device.emplace(simModel::M9);
     Program.Open();
-    if (Program.Form->PortBox->Rows.empty())
+    if (Program.Form->PortBox->RowFind(Device->Port()) == Program.Form->PortBox->Rows.size())
         GTEST_SKIP() << "this system does not list the ports that tests have";
     ASSERT_TRUE(chooseRow(Program.Form->PortBox, Program.Form->PortBox->RowFind(Device->Port())));
     EXPECT_EQ(Program.Form->PortBox->Name(), Device->Port());
