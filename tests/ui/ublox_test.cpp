@@ -33,6 +33,18 @@ protected:
     }
     gnss::UI* Page() const { return Program.Form->Page; }
 
+    // Wine on a busy machine loses a click now and then, and gets another; a desktop gets one.
+    template <class Condition>
+    static bool ClickUntil(const ctrlWindow* control, const Condition& isSo)
+    {
+        const int attempts = road::BearsHaste() ? 1 : 3;
+        for (int attempt = 0; attempt < attempts; ++attempt) {
+            if (clickOn(control) && comes(isSo))
+                return true;
+        }
+        return false;
+    }
+
     // A click with the mouse on a box, and whether the receiver and the box followed.
     void ClickBox(const std::string& name, uint32_t key)
     {
@@ -40,8 +52,7 @@ protected:
         ASSERT_NE(box, nullptr) << name;
         const bool before = Device->Key(key) != 0;
         ASSERT_TRUE(comes([&] { return IsIdle() && box->Checked() == before; })) << name;
-        ASSERT_TRUE(clickOn(box));
-        EXPECT_TRUE(comes([&] { return (Device->Key(key) != 0) != before; })) << name;
+        ASSERT_TRUE(ClickUntil(box, [&] { return (Device->Key(key) != 0) != before; })) << name;
         EXPECT_TRUE(comes([&] { return IsIdle() && box->Checked() != before; })) << name;
     }
 

@@ -17,7 +17,15 @@ processHandle* childStart(const std::string& name, const std::vector<std::string
     std::vector<std::string> all = {processPath(), "--gtest_filter=DISABLED_child." + name,
                                     "--gtest_also_run_disabled_tests", "--gtest_brief=1"};
     all.insert(all.end(), arguments.begin(), arguments.end());
-    return processStart(all);
+    // A busy system refuses one now and then.
+    constexpr int Attempts = 5;
+    constexpr std::chrono::milliseconds Pause(100);
+    processHandle* process = processStart(all);
+    for (int attempt = 1; process == nullptr && attempt < Attempts; ++attempt) {
+        std::this_thread::sleep_for(Pause);
+        process = processStart(all);
+    }
+    return process;
 }
 
 int childRun(const std::string& name, const std::vector<std::string>& arguments)
