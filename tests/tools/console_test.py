@@ -9,6 +9,7 @@ import json
 import os
 import pathlib
 import pty
+import re
 import shutil
 import signal
 import socket
@@ -26,6 +27,8 @@ FOLDER = pathlib.Path(sys.argv.pop(1)).resolve()
 EVERYTHING = "all" in sys.argv and bool(sys.argv.remove("all") or True)
 CONSOLE = FOLDER / "skyreckoning-console"
 SIMULATOR = FOLDER / "skysim"
+VERSION = re.search(r"project\(Skyreckoning VERSION ([0-9.]+)",
+                    pathlib.Path(__file__).resolve().parents[2].joinpath("CMakeLists.txt").read_text(encoding="utf-8"))[1]
 
 LINES = {
     "4800N1": "4800N1 8 bits",
@@ -402,7 +405,7 @@ class ArgumentsTest(unittest.TestCase):
         self.assertIn('there is no host "no-such-host.invalid"', run.stderr)
 
     def test_help_and_version_are_no_errors(self):
-        for argument, text in (("--help", "usage"), ("--version", "skyreckoning-console 0.")):
+        for argument, text in (("--help", "usage"), ("--version", f"skyreckoning-console {VERSION}\n")):
             run = self.run_console(argument)
             self.assertEqual((run.returncode, run.stderr), (0, ""))
             self.assertIn(text, run.stdout)
