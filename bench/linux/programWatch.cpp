@@ -1,5 +1,5 @@
 // Starts a program again and again and tells how long it takes until its window shows something, and until a
-// given place in it turns white: programWatch COUNT X Y WIDTH HEIGHT PROGRAM
+// given place in it turns bright: programWatch COUNT X Y WIDTH HEIGHT PROGRAM
 //
 // It looks as a user does, from outside: at the display, each millisecond. The place is in pixels of the
 // window. With a width of 0 only the first is waited for.
@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -119,6 +120,41 @@ void report(const char* what, std::vector<double>& times)
                 times[times.size() / 2], times.back(), times.size());
 }
 
+// What the program of a run took; negative where it never came.
+struct outcome {
+    double Painted;
+    double Live;
+};
+
+// One run, ended by force. Nothing when the program cannot be started.
+std::optional<outcome> watch(watcher& display, char* program, const place& live)
+{
+    const moment began = std::chrono::steady_clock::now();
+    char* const arguments[] = {program, nullptr};
+    pid_t process = 0;
+    if (posix_spawn(&process, program, nullptr, nullptr, arguments, environ) != 0)
+        return std::nullopt;
+    xcb_window_t window = 0;
+    outcome found{};
+    // What has one colour alone is the background that the display gives.
+    found.Painted = await(began, [&] {
+        window = display.Find();
+        const std::vector<uint32_t> row =
+            window ? display.Pixels(window, {0, 10, smallest, 1}) : std::vector<uint32_t>();
+        return std::any_of(row.begin(), row.end(), [&row](uint32_t pixel) { return pixel != row.front(); });
+    });
+    if (live.Width > 0) {
+        found.Live = await(began, [&] {
+            const std::vector<uint32_t> all = display.Pixels(window, live);
+            return std::any_of(all.begin(), all.end(), isBright);
+        });
+    }
+    kill(process, SIGKILL);
+    waitpid(process, nullptr, 0);
+    await(std::chrono::steady_clock::now(), [&] { return display.Find() == 0; });
+    return found;
+}
+
 }  // namespace
 
 int main(int count, char** words)
@@ -134,29 +170,11 @@ int main(int count, char** words)
     std::vector<double> painted;
     std::vector<double> shown;
     for (int run = 0; run < number(1); ++run) {
-        const moment began = std::chrono::steady_clock::now();
-        char* const arguments[] = {words[6], nullptr};
-        pid_t program = 0;
-        if (posix_spawn(&program, words[6], nullptr, nullptr, arguments, environ) != 0)
+        const std::optional<outcome> found = watch(display, words[6], live);
+        if (!found || found->Painted < 0 || found->Live < 0)
             return 1;
-        xcb_window_t window = 0;
-        // What has one colour alone is the background that the display gives.
-        painted.push_back(await(began, [&] {
-            window = display.Find();
-            const std::vector<uint32_t> row =
-                window ? display.Pixels(window, {0, 10, smallest, 1}) : std::vector<uint32_t>();
-            return std::any_of(row.begin(), row.end(),
-                               [&row](uint32_t pixel) { return pixel != row.front(); });
-        }));
-        if (live.Width > 0) {
-            shown.push_back(await(began, [&] {
-                const std::vector<uint32_t> all = display.Pixels(window, live);
-                return std::any_of(all.begin(), all.end(), isBright);
-            }));
-        }
-        kill(program, SIGKILL);
-        waitpid(program, nullptr, 0);
-        await(std::chrono::steady_clock::now(), [&] { return display.Find() == 0; });
+        painted.push_back(found->Painted);
+        shown.push_back(found->Live);
     }
     report("from start to the first paint", painted);
     if (live.Width > 0)
