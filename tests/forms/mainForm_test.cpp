@@ -1,6 +1,6 @@
 // The main form with receivers at its port and peers in its network.
-#include "forms/gnssComm_UI.h"
 #include "forms/gnssUI.h"
+#include "tests/forms/openForm.h"
 #include "tests/gnss/nmeaSentence.h"
 #include "tests/gnss/ubxFrame.h"
 #include "tests/link/runningClock.h"
@@ -19,29 +19,6 @@ namespace {
 
 constexpr char root[] = "Software\\Vintermark\\Skyreckoning";
 constexpr uint16_t otherPort = 4100;
-
-class openForm final : public gnssComm::UI
-{
-public:
-    using UI::AboutButton;
-    using UI::AddressEdit;
-    using UI::Client;
-    using UI::ClientsLabel;
-    using UI::Comm;
-    using UI::ConnectButton;
-    using UI::HelpButton;
-    using UI::Page;
-    using UI::PortBox;
-    using UI::ProtocolLabel;
-    using UI::ResetButton;
-    using UI::RoleBox;
-    using UI::Server;
-    using UI::ServerButton;
-    using UI::ServerOnSetting;
-    using UI::ServerPortEdit;
-    using UI::StatusLabel;
-    using UI::UI;
-};
 
 std::string textOf(const ubxBytes& bytes)
 {

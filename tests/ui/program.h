@@ -3,9 +3,9 @@
 // All on the thread of the test, which is the interface thread.
 #pragma once
 
-#include "forms/gnssComm_UI.h"
 #include "forms/gnssUI.h"
 #include "foundations/settings/settingsReg.h"
+#include "tests/forms/openForm.h"
 #include "toolkit/ctrlButton.h"
 #include "toolkit/ctrlComboBox.h"
 #include "toolkit/ctrlEdit_Val.h"
@@ -18,30 +18,6 @@
 #include <string_view>
 #include <thread>
 #include <vector>
-
-// The main form, with its inside to look at.
-class openForm final : public gnssComm::UI
-{
-public:
-    using UI::AboutButton;
-    using UI::AddressEdit;
-    using UI::Client;
-    using UI::ClientsLabel;
-    using UI::Comm;
-    using UI::ConnectButton;
-    using UI::Page;
-    using UI::PortBox;
-    using UI::ProtocolLabel;
-    using UI::ResetButton;
-    using UI::RoleBox;
-    using UI::RunNumber;
-    using UI::Server;
-    using UI::ServerButton;
-    using UI::ServerOnSetting;
-    using UI::ServerPortEdit;
-    using UI::StatusLabel;
-    using UI::UI;
-};
 
 // Runs the interface until something has come true; false when it has not within the limit.
 template <class Condition>
