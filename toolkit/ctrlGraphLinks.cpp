@@ -114,9 +114,9 @@ ctrlGraph::Cursor* ctrlGraph::AxisLink::AddCursor(bool repaint)
 
 void ctrlGraph::AxisLink::MoveCursor(Cursor* cursor, double position, bool repaint)
 {
+    const thrSpinHold links(linksLock);
     if (!Has(cursor))
         return;
-    const thrSpinHold links(linksLock);
     {
         const graphsHold hold(Graphs);
         const double limited = Limited(position);
