@@ -142,6 +142,7 @@ void fakeReset()
     closures.swap(state().Closures);
     state().Calls.clear();
     state().Failures.clear();
+    fakes::resetCrash();
     fakes::resetDebug();
     fakes::resetClock();
     fakes::resetHeap();

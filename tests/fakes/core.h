@@ -46,6 +46,7 @@ struct clockView {
 clockView clockNow();
 
 // One for each concern, called with the mutex held.
+void resetCrash();
 void resetDebug();
 void resetClock();
 void resetHeap();
