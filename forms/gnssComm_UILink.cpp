@@ -234,13 +234,15 @@ void gnssComm::UI::MakeReset()
     ResetButton->Show();
 }
 
-// The decoder resets its receiver at the next boundary between messages, for which there is a moment.
+// The decoder resets its receiver at the next boundary between messages. A receiver that is silent stands at one
+// already; for one in the middle of a message there is a moment.
 void gnssComm::UI::ResetClicked()
 {
     Comm.ResetPending = 1;
     const int64_t limit = clockSteadyNs() + sendWaitMs * nsPerMs;
     while (!Comm.WaitSent(false) && clockSteadyNs() < limit)
         threadSleep(sendStepMs);
+    Comm.Feed(nullptr, 0);
     threadSleep(boundaryWaitMs);
     StopRun();
     Start();

@@ -26,6 +26,8 @@ std::string textOf(const ubxBytes& bytes)
 }
 
 const std::string position = sentence("GPGGA,123519.00,4723.5000,N,00832.0000,E,1,08,0.9,545.4,M,47.0,M,,");
+// What an NVS receiver tells of itself.
+const std::string nvsVersion = sentence("ALVER,NVS,CSM54,0425");
 const std::string versionReply =
     textOf(ubxFrame(0x0A, 0x04).text("EXT CORE 3.01", 30).text("00080000", 10).text("PROTVER=18.00", 30));
 
@@ -200,6 +202,15 @@ TEST_F(mainFormTest, ResetOfAnUnknownModelSendsNothingAndLooksAnew)
     EXPECT_EQ(Name(Form->ProtocolLabel), "---");
     EXPECT_TRUE(Comes([&] { return Name(Form->StatusLabel).starts_with("Waiting for device reply"); }));
     EXPECT_TRUE(Hear(position, "NMEA"));
+}
+
+TEST_F(mainFormTest, ResetReachesAReceiverThatIsSilent)
+{
+    OpenAtPort();
+    ASSERT_TRUE(Hear(position + nvsVersion, "NMEA"));
+    Form->ResetButton->Click();
+    Toolkit().PumpPending();
+    EXPECT_TRUE(Comes([] { return fakePortSent("COM5").find("$PORST,F*20\r\n") != std::string::npos; }));
 }
 
 TEST_F(mainFormTest, WhatAStoppedRunPostedDoesNothing)
