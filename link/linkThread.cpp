@@ -1,6 +1,7 @@
 #include "link/linkThread.h"
 
 #include "foundations/fatal/crashFatal.h"
+#include "platform/crash.h"
 #include "platform/thread.h"
 
 #include <system_error>
@@ -16,6 +17,7 @@ void linkThread::Start(const char* name, std::function<void()> body)
     const std::lock_guard lock(Mutex);
     try {
         Thread = std::thread([this, name, run = std::move(body)] {
+            const crashThreadStack stack;
             Id = threadId();
             threadName(name);
             run();

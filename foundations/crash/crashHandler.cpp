@@ -17,7 +17,7 @@ constinit bool ReportAll = false;
 namespace {
 
 // How long a thread that has reported leaves the others to finish theirs: its end is the end of the process.
-constexpr int LongestWait = 2000;  // ms
+constexpr int LongestWait = 5000;  // ms
 constexpr int Beat = 5;            // ms
 
 // How many threads are writing at this moment.

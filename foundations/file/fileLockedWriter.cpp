@@ -3,6 +3,7 @@
 #include "foundations/file/fileLocked.h"
 
 #include "foundations/heap/mem.h"
+#include "platform/crash.h"
 #include "platform/thread.h"
 
 #include <cstring>
@@ -31,6 +32,7 @@ void fileLocked::StartWriter()
 
 void fileLocked::WriterBody()
 {
+    const crashThreadStack stack;
     threadName("file writer");
     State &= ~uint32_t{StopRequested};
     State |= WriterRuns;

@@ -1,5 +1,6 @@
 #include "foundations/thread/thrTimer.h"
 
+#include "platform/crash.h"
 #include "platform/thread.h"
 
 #include <algorithm>
@@ -30,6 +31,7 @@ void thrTimer::Stop()
 
 void thrTimer::Run(const std::stop_token& stop)
 {
+    const crashThreadStack stack;
     threadName("timer");
     while (!stop.stop_requested()) {
         Wait(std::max<uint32_t>(Period, 1));

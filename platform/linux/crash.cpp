@@ -34,6 +34,9 @@ thread_local bool Passing = false;
 struct sigaction Former[std::size(Signals)];
 std::atomic<crashReporter> Reporter{nullptr};
 
+// The first thread may run to the very end of the process, so its stack is never given back.
+std::atomic<crashThreadStack*> FirstStack{nullptr};
+
 // The handler takes effect before anything else of a thread runs again, so what it meets is where it was met.
 void End(const crashEvent& event)
 {
@@ -70,10 +73,8 @@ void crashContextOf(const crashEvent& event, crashContext& context)
 
 void crashWatch(crashReporter reporter)
 {
-    // The first thread may run to the very end of the process, so its stack is never given back.
-    static const crashThreadStack& firstStack = *new crashThreadStack;
-    static_cast<void>(firstStack);
-
+    if (FirstStack.load() == nullptr)
+        FirstStack = new crashThreadStack;
     Reporter = reporter;
     crashThreadsWatch();
     struct sigaction action = {};

@@ -2,11 +2,13 @@
 #include "platform/crash.h"
 
 #include "platform/debug.h"
+#include "platform/linux/crashTell.h"
 
 #include <atomic>
 #include <cerrno>
 #include <cstring>
 
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -16,6 +18,7 @@ namespace {
 constexpr const char* Captions[] = {crashWritten, crashNotWritten};
 
 std::atomic<bool> ByProgram{false};
+std::atomic<int> MouseHeldBy{-1};
 
 void ShowBy(const char* caption, const char* text)
 {
@@ -37,8 +40,16 @@ void crashTell(const char* caption, const char* text)
     debugWrite(": ");
     debugWrite(text);
     debugWrite("\n");
-    if (ByProgram.load())
-        ShowBy(caption, text);
+    if (!ByProgram.load())
+        return;
+    if (const int connection = MouseHeldBy.load(); connection >= 0)
+        shutdown(connection, SHUT_RDWR);
+    ShowBy(caption, text);
+}
+
+void crashMouseHeldBy(int connection)
+{
+    MouseHeldBy = connection;
 }
 
 void crashTellByProgram()

@@ -1,5 +1,6 @@
 // The capture and the cursor.
 #include "platform/clock.h"
+#include "platform/linux/crashTell.h"
 #include "platform/linux/screen/windowBackend.h"
 
 namespace {
@@ -54,7 +55,9 @@ void windowBackend::TryGrab()
                          XCB_GRAB_MODE_ASYNC, XCB_WINDOW_NONE, XCB_CURSOR_NONE, XCB_CURRENT_TIME),
         nullptr));
     Grabbed = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
-    if (!Grabbed)
+    if (Grabbed)
+        crashMouseHeldBy(xcb_get_file_descriptor(Display.Connection));
+    else
         GrabAt = clockSteadyNs() + GrabPauseNs;
 }
 
@@ -64,6 +67,7 @@ void windowBackend::EndGrab()
     if (!Grabbed)
         return;
     Grabbed = false;
+    crashMouseHeldBy(-1);
     xcb_ungrab_pointer(Display.Connection, XCB_CURRENT_TIME);
     xcb_flush(Display.Connection);
 }

@@ -247,10 +247,10 @@ VICTIM int victimCrashesTwiceAtOnce()
 
 // --- The reporter itself
 
-// Loses its frame, so that whoever follows the calls reads where nothing is.
+// Loses its frame, so that whoever follows the calls by what such files tell of them reads where nothing is.
 VICTIM int victimLosesItsFrame()
 {
-#if defined(__x86_64__)
+#if defined(__x86_64__) && defined(__ELF__)
     __asm__ volatile("push %%rbp\n\t"
                      ".cfi_adjust_cfa_offset 8\n\t"
                      ".cfi_rel_offset rbp, 0\n\t"

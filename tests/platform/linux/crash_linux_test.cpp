@@ -1,0 +1,403 @@
+#include "platform/crash.h"
+#include "platform/thread.h"
+#include "tests/platform/contract.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include <dlfcn.h>
+#include <pthread.h>
+#include <sys/stat.h>
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+// Found by its name in this file's own table of symbols.
+extern "C" __attribute__((noinline, used)) void crashLinuxTestWaits(const std::atomic<bool>* stop,
+                                                                    std::atomic<bool>* begun)
+{
+    *begun = true;
+    while (!*stop)
+        threadSleep(1);
+}
+
+namespace {
+
+volatile uintptr_t Nothing = 0;
+volatile int Zero = 0;
+
+void ReadNull(void*)
+{
+    Zero = *reinterpret_cast<volatile int*>(Nothing);
+}
+
+void Divide(void*)
+{
+    Zero = 7 / Zero;
+}
+
+void CountUp(void* count)
+{
+    ++*static_cast<int*>(count);
+}
+
+// Signals are watched while it lives, and nothing is made of them.
+class watched
+{
+public:
+    watched()
+    {
+        crashWatch([](const crashEvent&) { ++Reported; });
+    }
+    ~watched() { crashUnwatch(); }
+    watched(const watched&) = delete;
+    watched& operator=(const watched&) = delete;
+
+    static inline std::atomic<int> Reported{0};
+};
+
+// Sets a variable of the surroundings for as long as it lives.
+class variable
+{
+public:
+    variable(const char* name, const std::string& value) : Name(name)
+    {
+        if (const char* former = std::getenv(name))
+            Former = former;
+        setenv(name, value.c_str(), 1);
+    }
+    ~variable() { setenv(Name, Former.c_str(), 1); }
+    variable(const variable&) = delete;
+    variable& operator=(const variable&) = delete;
+
+private:
+    const char* Name;
+    std::string Former;
+};
+
+std::string Folder()
+{
+    return std::filesystem::path(contractFolder()).string();
+}
+
+void Write(const std::string& path, const std::string& text)
+{
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+std::string Documents()
+{
+    char text[crashPathRoom];
+    const size_t length = crashDocuments(text, sizeof text);
+    EXPECT_EQ(length, std::strlen(text));
+    return text;
+}
+
+class crashLinux : public contractTest
+{
+};
+
+std::unique_ptr<crashSnapshot> Snapshot()
+{
+    auto snapshot = std::make_unique<crashSnapshot>();
+    EXPECT_EQ(crashSnapshotTake(*snapshot), 0u);
+    return snapshot;
+}
+
+const crashModule* ModuleAt(const crashSnapshot& snapshot, const void* address)
+{
+    for (unsigned i = 0; i < snapshot.ModuleCount; ++i) {
+        if (snapshot.Modules[i].Range.Has(reinterpret_cast<uint64_t>(address)))
+            return &snapshot.Modules[i];
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+// --- Guards
+
+TEST_F(crashLinux, AGuardEndsAStepThatFaults)
+{
+    const watched watch;
+    crashRecord fault;
+    EXPECT_FALSE(crashGuarded(ReadNull, nullptr, fault));
+    EXPECT_EQ(fault.Code, 0xC0000005u);
+    EXPECT_EQ(fault.Flags, 1u);
+    EXPECT_EQ(fault.ParameterCount, 2u);
+    EXPECT_EQ(fault.Parameters[1], 0u);
+    EXPECT_FALSE(crashGuarded(Divide, nullptr, fault));
+    EXPECT_EQ(fault.Code, 0xC0000094u);
+    EXPECT_EQ(watched::Reported, 0);
+}
+
+TEST_F(crashLinux, AGuardLetsASoundStepRun)
+{
+    const watched watch;
+    crashRecord fault;
+    int count = 0;
+    EXPECT_TRUE(crashGuarded(CountUp, &count, fault));
+    EXPECT_EQ(count, 1);
+    EXPECT_EQ(fault.Code, 0u);
+}
+
+TEST_F(crashLinux, GuardsNest)
+{
+    const watched watch;
+    int state = 0;
+    const auto outer = [](void* held) {
+        int& at = *static_cast<int*>(held);
+        crashRecord inner;
+        at = crashGuarded(ReadNull, nullptr, inner) ? -1 : 1;
+        ReadNull(nullptr);
+        at = 2;
+    };
+    crashRecord fault;
+    EXPECT_FALSE(crashGuarded(outer, &state, fault));
+    EXPECT_EQ(state, 1);
+}
+
+TEST_F(crashLinux, EachThreadHasItsOwnGuard)
+{
+    const watched watch;
+    crashRecord fault;
+    const auto step = [](void*) {
+        std::thread([] {
+            crashRecord other;
+            EXPECT_FALSE(crashGuarded(ReadNull, nullptr, other));
+        }).join();
+    };
+    EXPECT_TRUE(crashGuarded(step, nullptr, fault));
+}
+
+TEST_F(crashLinux, ABreakIsReportedAndReturns)
+{
+    watched::Reported = 0;
+    {
+        const watched watch;
+        crashBreak();
+        EXPECT_EQ(watched::Reported, 1);
+    }
+    crashBreak();
+    EXPECT_EQ(watched::Reported, 1);
+}
+
+// --- The program
+
+TEST_F(crashLinux, KnowsItsOwnFile)
+{
+    const auto snapshot = Snapshot();
+    const crashModule* own = ModuleAt(*snapshot, reinterpret_cast<void*>(ReadNull));
+    ASSERT_NE(own, nullptr);
+    EXPECT_STREQ(own->Name, "platform_test");
+    EXPECT_TRUE(crashProgram().Has(reinterpret_cast<uint64_t>(ReadNull)));
+    EXPECT_TRUE(crashProgram().Has(reinterpret_cast<uint64_t>(&Zero)));
+    EXPECT_FALSE(crashProgram().Has(reinterpret_cast<uint64_t>(dlsym(RTLD_DEFAULT, "strlen"))));
+    char path[crashPathRoom];
+    EXPECT_GT(crashModulePath(*own, path, sizeof path), 0u);
+    char program[crashPathRoom];
+    EXPECT_EQ(crashProgramPath(program, sizeof program), std::strlen(path));
+    EXPECT_STREQ(path, program);
+}
+
+TEST_F(crashLinux, ListsEachModuleOnce)
+{
+    const auto snapshot = Snapshot();
+    const crashModule* library = ModuleAt(*snapshot, dlsym(RTLD_DEFAULT, "malloc_trim"));
+    ASSERT_NE(library, nullptr);
+    EXPECT_THAT(library->Name, StartsWith("libc.so"));
+    for (unsigned i = 1; i < snapshot->ModuleCount; ++i)
+        EXPECT_STRNE(snapshot->Modules[i].Name, snapshot->Modules[i - 1].Name);
+}
+
+TEST_F(crashLinux, NamesFunctions)
+{
+    const auto snapshot = Snapshot();
+    crashSymbol symbol;
+    const auto address = reinterpret_cast<uint64_t>(crashLinuxTestWaits);
+    ASSERT_TRUE(crashSymbolAt(*snapshot, address + 3, symbol));
+    EXPECT_STREQ(symbol.Name, "crashLinuxTestWaits");
+    EXPECT_EQ(symbol.Displacement, 3u);
+    EXPECT_FALSE(crashSymbolAt(*snapshot, 0x10, symbol));
+    EXPECT_FALSE(crashSymbolAt(*snapshot, reinterpret_cast<uint64_t>(&Zero), symbol));
+    // A library is named by what it offers to others.
+    ASSERT_TRUE(
+        crashSymbolAt(*snapshot, reinterpret_cast<uint64_t>(dlsym(RTLD_DEFAULT, "malloc_trim")), symbol));
+    EXPECT_STREQ(symbol.Name, "malloc_trim");
+}
+
+TEST_F(crashLinux, SeesWhereAnotherThreadIs)
+{
+    const watched watch;
+    std::atomic<bool> stop{false}, begun{false};
+    std::atomic<uint32_t> id{0};
+    std::thread waiting([&] {
+        id = static_cast<uint32_t>(threadId());
+        crashLinuxTestWaits(&stop, &begun);
+    });
+    ASSERT_TRUE(contractAwait([&] { return begun.load(); }));
+    crashContext context;
+    EXPECT_TRUE(crashThreadContext(id, context));
+    EXPECT_TRUE(context.HasControl);
+    EXPECT_NE(context.StackPointer, 0u);
+    const auto snapshot = Snapshot();
+    const bool listed = std::any_of(snapshot->Threads, snapshot->Threads + snapshot->ThreadCount,
+                                    [&](const crashThread& thread) { return thread.Id == id; });
+    EXPECT_TRUE(listed);
+    bool named = false;
+    for (unsigned i = 0; i < context.FrameCount; ++i) {
+        crashSymbol symbol;
+        named = named || (crashSymbolAt(*snapshot, context.Frames[i] - 1, symbol) &&
+                          std::string(symbol.Name) == "crashLinuxTestWaits");
+    }
+    EXPECT_TRUE(named);
+    stop = true;
+    waiting.join();
+    EXPECT_FALSE(crashThreadContext(id, context)) << "it has gone";
+}
+
+TEST_F(crashLinux, GivesUpOnAThreadThatDoesNotAnswerButAsksOthersAgain)
+{
+    const watched watch;
+    std::atomic<bool> stop{false}, begun{false};
+    std::atomic<uint32_t> id{0};
+    std::thread deaf([&] {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_BLOCK, &all, nullptr);
+        id = static_cast<uint32_t>(threadId());
+        crashLinuxTestWaits(&stop, &begun);
+        // The late answers come here, and find that nobody waits for them.
+        pthread_sigmask(SIG_UNBLOCK, &all, nullptr);
+    });
+    ASSERT_TRUE(contractAwait([&] { return begun.load(); }));
+    crashContext context;
+    for (int i = 0; i < 6; ++i)
+        EXPECT_FALSE(crashThreadContext(id, context));
+    stop = true;
+    deaf.join();
+
+    std::atomic<bool> end{false}, heard{false};
+    std::thread good([&] {
+        id = static_cast<uint32_t>(threadId());
+        crashLinuxTestWaits(&end, &heard);
+    });
+    ASSERT_TRUE(contractAwait([&] { return heard.load(); }));
+    EXPECT_TRUE(crashThreadContext(id, context));
+    end = true;
+    good.join();
+}
+
+// --- Documents
+
+TEST_F(crashLinux, DocumentsAreWhereTheDesktopKeepsThem)
+{
+    const variable home("HOME", Folder());
+    const variable configuration("XDG_CONFIG_HOME", Folder() + "/config");
+    std::filesystem::create_directories(Folder() + "/config");
+    std::filesystem::create_directories(Folder() + "/My \"papers\"");
+    std::filesystem::create_directories(Folder() + "/elsewhere");
+    struct row {
+        std::string List, Documents;
+    };
+    const row rows[] = {
+        {"XDG_DOCUMENTS_DIR=\"$HOME/elsewhere\"\n", "/elsewhere"},
+        {"# no\nXDG_MUSIC_DIR=\"$HOME/m\"\n  XDG_DOCUMENTS_DIR=\"$HOME/elsewhere\"", "/elsewhere"},
+        {"XDG_DOCUMENTS_DIR=\"" + Folder() + "/elsewhere\"\n", "/elsewhere"},
+        {"XDG_DOCUMENTS_DIR=\"$HOME/My \\\"papers\\\"\"\n", "/My \"papers\""},
+        {"XDG_DOCUMENTS_DIR=\"$HOME/missing\"\n", ""},
+        {"XDG_DOCUMENTS_DIR=\"relative\"\n", ""},
+        {"#XDG_DOCUMENTS_DIR=\"$HOME/elsewhere\"\n", ""},
+        {"XDG_DOCUMENTS_DIR=\"\n", ""},
+        {"XDG_DOCUMENTS_DIR=\"\"\n", ""},
+        {"", ""},
+    };
+    for (const row& each : rows) {
+        SCOPED_TRACE(each.List);
+        Write(Folder() + "/config/user-dirs.dirs", each.List);
+        EXPECT_EQ(Documents(), Folder() + each.Documents);
+    }
+}
+
+TEST_F(crashLinux, WithoutAListDocumentsAreAtHome)
+{
+    const variable home("HOME", Folder());
+    const variable configuration("XDG_CONFIG_HOME", Folder() + "/nothing");
+    EXPECT_EQ(Documents(), Folder());
+    const variable none("HOME", "");
+    EXPECT_EQ(Documents(), "");
+}
+
+TEST_F(crashLinux, AFolderThatIsTooLongIsNone)
+{
+    const variable configuration("XDG_CONFIG_HOME", "/nowhere");
+    const variable home("HOME", std::string(4094, 'x'));
+    EXPECT_EQ(Documents().size(), 4094u);
+    const variable longer("HOME", std::string(4095, 'x'));
+    char text[crashPathRoom - 1];
+    EXPECT_EQ(crashDocuments(text, sizeof text), 0u);
+}
+
+// --- Surroundings
+
+TEST_F(crashLinux, TellsTheTimeOfTheWorld)
+{
+    using namespace std::chrono;
+    const auto before = floor<seconds>(system_clock::now());
+    const crashTime now = crashNow();
+    const auto after = floor<seconds>(system_clock::now());
+    const auto told = sys_days(year(now.Year) / now.Month / now.Day) + hours(now.Hour) + minutes(now.Minute) +
+                      seconds(now.Second);
+    EXPECT_GE(told, before);
+    EXPECT_LE(told, after);
+}
+
+TEST_F(crashLinux, AReportIsForItsUserAlone)
+{
+    const std::string path = Folder() + "/report.txt";
+    const intptr_t file = crashFileCreate(path.c_str());
+    ASSERT_NE(file, crashNoFile);
+    EXPECT_TRUE(crashFileWrite(file, "bytes", 5));
+    crashFileClose(file);
+    struct stat facts = {};
+    ASSERT_EQ(stat(path.c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 0777, 0600u);
+    EXPECT_EQ(facts.st_size, 5);
+    char text[16] = {};
+    const intptr_t again = crashFileOpen(path.c_str());
+    EXPECT_EQ(crashFileRead(again, text, sizeof text), 5u);
+    EXPECT_EQ(crashFileRead(again, text, sizeof text), 0u);
+    crashFileClose(again);
+    EXPECT_EQ(crashFileCreate((Folder() + "/missing/report.txt").c_str()), crashNoFile);
+    EXPECT_EQ(crashFileOpen((Folder() + "/missing").c_str()), crashNoFile);
+    EXPECT_FALSE(crashFileWrite(crashNoFile, "x", 1));
+}
+
+TEST_F(crashLinux, FindsAMessageInItsWordsOnlyWhenItIsOne)
+{
+    char caption[] = "Exception report written to file";
+    char other[] = "/usr/bin/skyreckoning";
+    char path[] = "/some/where.txt";
+    char* message[] = {caption, path, nullptr};
+    char* program[] = {other, path, nullptr};
+    const char* found = nullptr;
+    const char* text = nullptr;
+    EXPECT_FALSE(crashMessageOf(2, program, found, text));
+    EXPECT_FALSE(crashMessageOf(1, message, found, text));
+    ASSERT_TRUE(crashMessageOf(2, message, found, text));
+    EXPECT_STREQ(found, caption);
+    EXPECT_STREQ(text, path);
+}
