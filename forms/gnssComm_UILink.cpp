@@ -234,8 +234,8 @@ void gnssComm::UI::MakeReset()
     ResetButton->Show();
 }
 
-// The decoder resets its receiver at the next boundary between messages. A receiver that is silent stands at one
-// already; for one in the middle of a message there is a moment.
+// The decoder resets its receiver at the next boundary between messages. A receiver that is silent stands at
+// one already; for one in the middle of a message there is a moment.
 void gnssComm::UI::ResetClicked()
 {
     Comm.ResetPending = 1;

@@ -3,6 +3,9 @@
 #include "forms/gnssComm_UI.h"
 #include "forms/help.h"
 #include "forms/uiAbout.h"
+#include "forms/uiMessage.h"
+#include "foundations/crash/crashHandler.h"
+#include "platform/crash.h"
 #include "platform/process.h"
 #include "resources/icon/programIcon.h"
 
@@ -14,6 +17,9 @@ constexpr char settingsRoot[] = "Software\\Vintermark\\Skyreckoning";
 constexpr char manual[] = "Skyreckoning.chm";
 constexpr char aboutNote[] = "Monitor for GNSS receivers";
 constexpr uint8_t receiverMode = 3;  // of a receiver that stands or moves anywhere up to airborne
+
+// Before every other object that has to be made, and after all of them at the end.
+[[gnu::init_priority(200)]] const crashHandler crashReports(programVersion);
 
 void showAbout(ctrlForm* form)
 {
@@ -64,6 +70,14 @@ iconId makeIcon()
 
 int main(int count, char** words)
 {
+    const char* caption = nullptr;
+    const char* text = nullptr;
+    if (crashMessageOf(count, words, caption, text)) {
+        uiMessage::Execute(static_cast<ctrlForm*>(nullptr), caption, text);
+        return 0;
+    }
+    crashTellByProgram();
+
     argumentsKeep(given(count, words));
     auto* form = new gnssComm::UI(nullptr, settingsRoot, "", "", formAbout | formHelp);
     if (!form->Handle()) {

@@ -9,6 +9,7 @@ display, the Windows program none.
 import os
 import pathlib
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -24,6 +25,7 @@ del sys.argv[1:]
 PATIENCE = 60
 LARGEST_PROGRAM = 5_000_000
 TITLE = "^Skyreckoning$"
+CRASH_TITLE = "^Exception report written to file$"
 
 
 def await_result(question):
@@ -41,8 +43,8 @@ def xdotool(*words):
     return subprocess.run(["xdotool", *map(str, words)], check=False, capture_output=True, text=True).stdout
 
 
-def window():
-    return await_result(lambda: xdotool("search", "--onlyvisible", "--name", TITLE).split())[-1]
+def window(title=TITLE):
+    return await_result(lambda: xdotool("search", "--onlyvisible", "--name", title).split())[-1]
 
 
 def size_of(window_id):
@@ -107,6 +109,41 @@ class DebianPackage(unittest.TestCase):
                 program.kill()
         self.assertIn('"Server port" = dword 4003', (self.home / "skyreckoning/registry").read_text(encoding="utf-8"))
 
+    def test_a_crash_leaves_a_report_and_says_where_it_is(self):
+        self.dpkg("-i", PACKAGE)
+        documents = self.home / "My documents"
+        documents.mkdir()
+        (self.home / "user-dirs.dirs").write_text('XDG_DOCUMENTS_DIR="$HOME/My documents"\n', encoding="ascii")
+        environment = {**os.environ, "HOME": str(self.home), "XDG_CONFIG_HOME": str(self.home),
+                       "XDG_RUNTIME_DIR": str(self.home)}
+        with subprocess.Popen([self.root / "usr/bin/skyreckoning"], env=environment, stderr=subprocess.PIPE,
+                              text=True) as program:
+            try:
+                # The list of roles holds the mouse, and may not keep it from the message.
+                xdotool("mousemove", "--window", window(), 120, 13)
+                xdotool("click", 1)
+                time.sleep(0.5)
+                program.send_signal(signal.SIGSEGV)
+                shown = window(CRASH_TITLE)
+                (report,) = documents.iterdir()
+                self.assertIsNone(program.poll(), "it waits until the message is read")
+                width, height = size_of(shown)
+                await_result(lambda: self.press(shown, width // 2, height - 16))
+                self.assertEqual(program.wait(PATIENCE), -signal.SIGSEGV)
+                self.assertIn(f"Exception report written to file: {report}\n", program.stderr.read())
+            finally:
+                program.kill()
+        text = report.read_text(encoding="utf-8")
+        self.assertRegex(report.name, r"^skyreckoning_\d{14}_000_ExceptInfo\.txt$")
+        self.assertIn("Application version: ", text)
+        self.assertRegex(text, r"(?s)Exception context:.*PumpOne.* main \+ .*Memory management:\r?\nReference address ")
+
+    def press(self, shown, across, down):
+        xdotool("mousemove", "--window", shown, across, down)
+        xdotool("click", 1)
+        time.sleep(0.2)
+        return not xdotool("search", "--onlyvisible", "--name", CRASH_TITLE).split()
+
     def test_its_desktop_file_is_valid(self):
         self.dpkg("-i", PACKAGE)
         told = subprocess.run(["desktop-file-validate", self.root / "usr/share/applications/skyreckoning.desktop"],
@@ -136,6 +173,12 @@ class WindowsZip(unittest.TestCase):
         pages = subprocess.run(["chmls", "list", self.unpacked / "Skyreckoning.chm"], check=True, capture_output=True,
                                text=True).stdout
         self.assertIn("/index.html", pages)
+
+    def test_can_name_its_functions_in_a_report(self):
+        exported = subprocess.run(["x86_64-w64-mingw32-objdump", "-p", self.unpacked / "skyreckoning.exe"], check=True,
+                                  capture_output=True, text=True).stdout
+        for name in ("_Z10crashBreakv", "_ZN10ctrlWindow5PaintEv"):
+            self.assertRegex(exported, rf"\] {name}\n")
 
     def test_starts_and_closes(self):
         with subprocess.Popen([*WINE, self.unpacked / "skyreckoning.exe"]) as program:
