@@ -1,5 +1,7 @@
 #include "platform/debug.h"
 
+#include "platform/crash.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -44,21 +46,6 @@ private:
     sigset_t Before;
     bool WasPending;
 };
-
-// False when nobody takes the bytes.
-bool WriteAll(const char* bytes, size_t count)
-{
-    while (count > 0) {
-        const ssize_t done = write(STDERR_FILENO, bytes, count);
-        if (done < 0 && errno == EINTR)
-            continue;
-        if (done <= 0)
-            return false;
-        bytes += done;
-        count -= static_cast<size_t>(done);
-    }
-    return true;
-}
 
 // The read that asks the system to copy between two places of one process: how many bytes came.
 size_t ReadDirectly(const void* address, void* target, size_t bytes, bool& refused)
@@ -109,11 +96,11 @@ void debugWrite(std::string_view text)
         part[used++] = text[i];
         if (used < sizeof(part))
             continue;
-        if (!WriteAll(part, used))
+        if (!crashFileWrite(STDERR_FILENO, part, used))
             return;
         used = 0;
     }
-    WriteAll(part, used);
+    crashFileWrite(STDERR_FILENO, part, used);
 }
 
 bool debugAttached()

@@ -2,6 +2,7 @@
 #include "foundations/crash/crashHandler.h"
 #include "foundations/crash/crashReport.h"
 #include "foundations/heap/mem.h"
+#include "platform/thread.h"
 #include "tests/fakes/fakeCrash.h"
 #include "tests/fakes/fakes.h"
 
@@ -129,7 +130,8 @@ TEST_F(crashReportTest, GoesOnWithoutASnapshot)
 
 TEST_F(crashReportTest, ShowsTheOtherThreads)
 {
-    fakeCrash().Threads = {{0x1A2B, 8}, {77, 15}};
+    // The one that crashed has a section of its own.
+    fakeCrash().Threads = {{0x1A2B, 8}, {static_cast<uint32_t>(threadId()), 8}, {77, 15}};
     fakeCrash().Contexts[77].StackPointer = 0;
     const std::string text = Text();
     EXPECT_THAT(text,

@@ -18,8 +18,11 @@
 #include <thread>
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <pthread.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -183,6 +186,21 @@ TEST_F(crashLinux, EachThreadHasItsOwnGuard)
     EXPECT_TRUE(crashGuarded(step, nullptr, fault));
 }
 
+TEST_F(crashLinux, ABreakIsAtItsInstruction)
+{
+    static std::atomic<uint64_t> address;
+    crashWatch([](const crashEvent& event) {
+        crashRecord record;
+        crashRecordOf(event, 0, record);
+        address = record.Address;
+    });
+    crashBreak();
+    crashUnwatch();
+    constexpr unsigned char breakpoint = 0xCC;
+    ASSERT_NE(address, 0u);
+    EXPECT_EQ(*reinterpret_cast<const unsigned char*>(address.load()), breakpoint);
+}
+
 TEST_F(crashLinux, ABreakIsReportedAndReturns)
 {
     watched::Reported = 0;
@@ -221,6 +239,17 @@ TEST_F(crashLinux, ListsEachModuleOnce)
     EXPECT_THAT(library->Name, StartsWith("libc.so"));
     for (unsigned i = 1; i < snapshot->ModuleCount; ++i)
         EXPECT_STRNE(snapshot->Modules[i].Name, snapshot->Modules[i - 1].Name);
+}
+
+TEST_F(crashLinux, AFileWithoutCodeIsNoModule)
+{
+    Write(Folder() + "/data", std::string(5000, 'x'));
+    const int file = open((Folder() + "/data").c_str(), O_RDONLY);
+    void* const view = mmap(nullptr, 5000, PROT_READ, MAP_PRIVATE, file, 0);
+    ASSERT_NE(view, MAP_FAILED);
+    EXPECT_EQ(ModuleAt(*Snapshot(), view), nullptr);
+    munmap(view, 5000);
+    close(file);
 }
 
 TEST_F(crashLinux, NamesFunctions)
