@@ -33,7 +33,7 @@ constexpr uint64_t FaultByFetch = 0x10;
 constexpr uint64_t TriedRead = 0, TriedWrite = 1, TriedExecute = 8;
 
 // How far from the stack pointer an overflow is met: a large frame skips some pages.
-constexpr uint64_t OverflowReach = 64 * 1024;
+constexpr uint64_t OverflowReach = uint64_t{64} * 1024;
 
 #if defined(__x86_64__)
 
