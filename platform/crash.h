@@ -83,7 +83,7 @@ using crashReporter = void (*)(const crashEvent& event);
 
 // Has `reporter` called for each exception before the program ends by it, on the thread that met it; when it
 // returns the exception takes the course that it takes without us. The system's own dialogs about a crash
-// stay away. Once, until crashUnwatch.
+// stay away. Once, until crashUnwatch, which does nothing when nobody watches.
 void crashWatch(crashReporter reporter);
 void crashUnwatch();
 

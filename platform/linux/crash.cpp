@@ -37,7 +37,8 @@ std::atomic<crashReporter> Reporter{nullptr};
 // The first thread may run to the very end of the process, so its stack is never given back.
 std::atomic<crashThreadStack*> FirstStack{nullptr};
 
-// The handler takes effect before anything else of a thread runs again, so what it meets is where it was met.
+// Gives the signal back to whoever had it before us. A fault comes again by itself when its instruction is
+// tried again, exactly as it was met; any other signal is sent anew.
 void End(const crashEvent& event)
 {
     for (size_t i = 0; i < std::size(Signals); ++i) {

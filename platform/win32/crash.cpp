@@ -123,12 +123,14 @@ void crashWatch(crashReporter reporter)
 
 void crashUnwatch()
 {
+    // Also called where nobody watched, because a debugger does.
+    if (Reporter.exchange(nullptr) == nullptr)
+        return;
     RemoveVectoredExceptionHandler(Handler);
     std::signal(SIGABRT, FormerAbort == SIG_ERR ? SIG_DFL : FormerAbort);
     _set_error_mode(FormerLibraryMode);
     SetErrorMode(FormerErrorMode);
     Handler = nullptr;
-    Reporter = nullptr;
 }
 
 void crashBreak()

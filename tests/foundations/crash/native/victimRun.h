@@ -21,7 +21,7 @@ enum class victimUnder {
 victimEnd victimRun(const std::string& way, bool watched, const std::string& documents,
                     victimUnder under = victimUnder::Nothing);
 
-// Whether this system lets a program see that its stack is used up, and tells its faults as exact as its own.
+// Whether this system lets a program see that its stack is used up.
 bool victimSeesOverflow();
 
 // The path that a report gets when the user has no documents folder at all begins with it.
