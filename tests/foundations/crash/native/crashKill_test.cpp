@@ -1,7 +1,8 @@
 // Programs that end badly, one for each way, and the reports that they leave.
+#include "platform/clock.h"
+#include "platform/thread.h"
 #include "tests/foundations/crash/native/crashText.h"
 #include "tests/foundations/crash/native/victimRun.h"
-#include "tests/platform/contract.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -28,7 +29,10 @@ constexpr int64_t LongestReport = 10000;  // ms
 
 std::filesystem::path Documents()
 {
-    return std::filesystem::path(contractFolder()) / "documents";
+    static const std::filesystem::path folder =
+        std::filesystem::temp_directory_path() /
+        ("skyreckoning crash " + std::to_string(threadId()) + " " + std::to_string(clockSteadyNs()));
+    return folder;
 }
 
 std::string ReadFile(const std::filesystem::path& path)
@@ -50,13 +54,14 @@ std::vector<std::string> Reports()
     return reports;
 }
 
-class crashKillTest : public contractTest
+class crashKillTest : public testing::Test
 {
 protected:
-    void SetUp() override
+    void SetUp() override { std::filesystem::create_directory(Documents()); }
+    void TearDown() override
     {
-        contractTest::SetUp();
-        std::filesystem::create_directory(Documents());
+        std::error_code ignored;
+        std::filesystem::remove_all(Documents(), ignored);
     }
 
     // Lets the victim end as it would by itself, and then under watch.
