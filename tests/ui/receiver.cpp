@@ -22,8 +22,8 @@ simOptions OptionsOf(simModel model)
 
 }  // namespace
 
-receiver::receiver(const simOptions& options, unsigned port)
-    : Line(port), Simulated(simMake(options)), Counts(Numbers * Numbers)
+receiver::receiver(const simOptions& options, unsigned port, lineSense sense)
+    : Line(port), Simulated(simMake(options)), Sense(sense), Counts(Numbers * Numbers)
 {
     Player = std::jthread([this](const std::stop_token& stop) { Play(stop); });
 }
@@ -128,7 +128,7 @@ simBytes receiver::AsOnLine(const simBytes& bytes, bool toHost) const
 {
     const std::optional<simLine> host = Line.HostLine();
     const simLine own = Simulated->Line();
-    if (!LineCounts || !host || bytes.empty() || simUartAgrees(*host, own))
+    if (Sense == lineSense::Any || !host || bytes.empty() || simUartAgrees(*host, own))
         return bytes;
     return toHost ? simUartMisread(bytes, own, *host) : simUartMisread(bytes, *host, own);
 }

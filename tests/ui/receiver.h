@@ -10,10 +10,17 @@
 #include <mutex>
 #include <thread>
 
+// Which bytes make sense, to a receiver and to the program: those of any line setting, or only those that
+// came with the setting of the other's end.
+enum class lineSense {
+    Any,
+    Matching
+};
+
 class receiver
 {
 public:
-    explicit receiver(const simOptions& options, unsigned port = 0);
+    explicit receiver(const simOptions& options, unsigned port = 0, lineSense sense = lineSense::Any);
     explicit receiver(simModel model, unsigned port = 0);
     ~receiver();
     receiver(const receiver&) = delete;
@@ -37,10 +44,6 @@ public:
     // Whether it can be seen which setting the program has made on the line.
     bool SeesLine();
 
-    // From now on only bytes that came with its own line setting make sense to it, and its own to the
-    // program.
-    void MindLine() { LineCounts = true; }
-
     // From now on it takes nothing off the line.
     void Block() { Blocked = true; }
 
@@ -57,6 +60,7 @@ private:
     std::mutex Mutex;
     road Line;
     const std::unique_ptr<simReceiver> Simulated;
+    const lineSense Sense;
     simBytes Left;   // what the line had no room for
     simBytes Heard;  // the last bytes from the program
     std::deque<simTruth> Epochs;
@@ -64,7 +68,6 @@ private:
     int64_t Now = 0;               // its own time
     int64_t LastStep = 0;          // on the clock
     std::atomic<int> Speed{1};
-    std::atomic<bool> LineCounts{false};
     std::atomic<bool> Blocked{false};
     std::jthread Player;
 };

@@ -25,10 +25,9 @@ TEST_P(lineUi, IsFoundBehindTheSettingsThatAreTriedBefore)
     simOptions options;
     options.Model = GetParam().Simulated;
     options.Line = GetParam().Line;
-    Device.emplace(options);
+    Device.emplace(options, 0, lineSense::Matching);
     if (!Device->SeesLine())
         GTEST_SKIP() << "what the program sets on the line cannot be seen here";
-    Device->MindLine();
     Program.OpenAt(Device->Port());
     EXPECT_TRUE(comes([&] { return Program.Status() == "Waiting for device reply (4800N1 8 bits)..."; }));
     EXPECT_TRUE(comes([&] { return Program.Shows(GetParam().Name, GetParam().Protocol); }))
