@@ -54,8 +54,12 @@ public:
 
     bool IsOpen() const { return handle.load() != commNone; }
 
-    // Queues a copy of the bytes. Nothing when the port is closed, for no bytes, and when there is no memory
-    // for them. Never waits for the line.
+    // What waits for the line may come to this many bytes, the queue's own included.
+    static constexpr uint64_t QueueLimit = uint64_t{256} * 1024;
+
+    // Queues a copy of the bytes. Nothing when the port is closed, for no bytes, when there is no memory for
+    // them, and behind so much that it would pass QueueLimit: whoever says more than a line can carry loses
+    // what is too much. Bytes that find nothing waiting are always taken. Never waits for the line.
     void Write(const uint8_t* data, size_t size);
 
     // Whether everything that was queued has left. With `wait` a call that finds anything pending at its
@@ -111,7 +115,8 @@ private:
     linkThread writeThread;
     uint64_t writeChunk = 0;  // the most bytes in one commWrite
     std::atomic<serialSendNode*> sendQueue{nullptr};
-    thrSpin queueLock;  // guards the links of sendQueue
+    thrSpin queueLock;         // guards the links of sendQueue, and the count
+    uint64_t queuedBytes = 0;  // of all that is linked
     thrGate queueWake;
     std::string portName;
     uint32_t baudRate = 9600;

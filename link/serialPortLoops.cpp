@@ -20,6 +20,12 @@ uint8_t* bytesOf(serialSendNode* node)
     return reinterpret_cast<uint8_t*>(node) + sizeof(serialSendNode);
 }
 
+// What it takes of the queue's limit.
+uint64_t costOf(const serialSendNode& node)
+{
+    return node.Size + NodeRoom;
+}
+
 }  // namespace
 
 // While data flow it runs without sleeping; an idle port is looked at every 10 ms.
@@ -65,10 +71,12 @@ void serialPort::Write(const uint8_t* data, size_t size)
     {
         // Asked again under the lock: what comes behind the closing must not wait for the next opening.
         const thrSpinHold hold(queueLock);
-        if (!IsOpen()) {
+        const uint64_t queued = queuedBytes + costOf(*node);
+        if (!IsOpen() || (queuedBytes != 0 && queued > QueueLimit)) {
             memFree(memory);
             return;
         }
+        queuedBytes = queued;
         std::atomic<serialSendNode*>* tail = &sendQueue;
         while (serialSendNode* const next = *tail)
             tail = &next->Next;
@@ -129,8 +137,10 @@ serialSendNode* serialPort::Unlink()
 {
     const thrSpinHold hold(queueLock);
     serialSendNode* const node = sendQueue;
-    if (node != nullptr)
-        sendQueue = node->Next.load();
+    if (node == nullptr)
+        return nullptr;
+    sendQueue = node->Next.load();
+    queuedBytes -= costOf(*node);
     return node;
 }
 

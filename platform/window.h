@@ -136,7 +136,7 @@ struct windowArea {
 enum class windowTake : uint8_t {
     Taken,
     None,    // of a look: the queue is empty; of a wait: the program was told to end
-    Failed,  // the system is gone
+    Failed,  // the system is gone, and nothing that was posted is left
 };
 
 class windowSystem

@@ -9,6 +9,8 @@
 #include "platform/process.h"
 #include "resources/icon/programIcon.h"
 
+#include <cstdio>
+
 namespace {
 
 constexpr char programName[] = "Skyreckoning";
@@ -16,6 +18,8 @@ constexpr char programVersion[] = "1.0.5.5";
 constexpr char settingsRoot[] = "Software\\Vintermark\\Skyreckoning";
 constexpr char manual[] = "Skyreckoning.chm";
 constexpr char aboutNote[] = "Monitor for GNSS receivers";
+constexpr char noWindow[] = "No window can be opened: there is no display, or it lets nobody in.";
+constexpr char displayLost[] = "The display is gone; the settings were saved where they could be.";
 constexpr uint8_t receiverMode = 3;  // of a receiver that stands or moves anywhere up to airborne
 
 // Before every other object that has to be made, and after all of them at the end.
@@ -66,6 +70,29 @@ iconId makeIcon()
     return own ? own : Toolkit().Windows().MakeIcon(programIcon());
 }
 
+void complain(const char* text)
+{
+    std::fprintf(stderr, "%s: %s\n", programName, text);
+}
+
+// Until the form is gone, or its display.
+void run(gnssComm::UI* form)
+{
+    const ctrlLife life(form);
+    form->OnNotify = [form](unsigned code) { return notified(form, code); };
+    form->Icon(makeIcon());
+    form->Show();
+    form->Centre();
+    form->Start();
+    while (Toolkit().PumpOne(true)) {
+    }
+    if (!life)
+        return;
+    // Nobody has closed it, and what it keeps and holds is to be left in order all the same.
+    delete life.Window();
+    complain(displayLost);
+}
+
 }  // namespace
 
 int main(int count, char** words)
@@ -82,14 +109,9 @@ int main(int count, char** words)
     auto* form = new gnssComm::UI(nullptr, settingsRoot, "", "", formAbout | formHelp);
     if (!form->Handle()) {
         delete form;
+        complain(noWindow);
         return 1;
     }
-    form->OnNotify = [form](unsigned code) { return notified(form, code); };
-    form->Icon(makeIcon());
-    form->Show();
-    form->Centre();
-    form->Start();
-    while (Toolkit().PumpOne(true)) {
-    }
+    run(form);
     return 0;
 }

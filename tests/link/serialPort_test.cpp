@@ -371,6 +371,27 @@ TEST_F(serialPortTest, FreesUnsentWhatIsQueuedAtClose)
     EXPECT_TRUE(AwaitSent("new"));
 }
 
+TEST_F(serialPortTest, LosesWhatIsMoreThanTheQueueMayHold)
+{
+    constexpr size_t piece = serialPort::QueueLimit / 4;
+    fakePortBlockWrites("COM5", true);
+    ASSERT_TRUE(Port.Open());
+    Write(std::string(2 * serialPort::QueueLimit, 'a'));
+    Write("lost behind what is more than the limit by itself");
+    fakePortBlockWrites("COM5", false);
+    ASSERT_TRUE(await([&] { return Port.WaitSent(false); }));
+
+    fakePortBlockWrites("COM5", true);
+    for (const char letter : {'b', 'c', 'd', 'e', 'f'})
+        Write(std::string(piece, letter));
+    Write("taken");
+    fakePortBlockWrites("COM5", false);
+    ASSERT_TRUE(await([&] { return Port.WaitSent(false); }));
+    Write("new");
+    EXPECT_TRUE(AwaitSent(std::string(2 * serialPort::QueueLimit, 'a') + std::string(piece, 'b') +
+                          std::string(piece, 'c') + std::string(piece, 'd') + "takennew"));
+}
+
 TEST_F(serialPortTest, HoldsBackWhileCTSIsOffWithRTSHandshake)
 {
     Port.SetHandshake(serialPort::HandshakeRTS);

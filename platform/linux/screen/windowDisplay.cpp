@@ -1,6 +1,7 @@
 #include "platform/linux/screen/windowDisplay.h"
 
 #include <algorithm>
+#include <csignal>
 
 #include <sys/ipc.h>
 #include <sys/shm.h>
@@ -10,6 +11,15 @@ namespace {
 
 constexpr uint32_t NoScreen = XCB_CONN_CLOSED_INVALID_SCREEN;
 constexpr uint32_t LongestProperty = 0x1FFFFFFF;  // in words
+
+// The library writes to a server that has gone as it would to any other, and the signal that the system
+// answers with would end the program before it could do so in order.
+void outliveServer()
+{
+    struct sigaction now = {};
+    if (sigaction(SIGPIPE, nullptr, &now) == 0 && now.sa_handler == SIG_DFL)
+        signal(SIGPIPE, SIG_IGN);
+}
 
 }  // namespace
 
@@ -26,6 +36,7 @@ bool windowDisplay::Open(uint32_t& error)
         error = static_cast<uint32_t>(xcb_connection_has_error(Connection));
         return error == 0;
     }
+    outliveServer();
     int number = 0;
     xcb_connection_t* const connection = xcb_connect(nullptr, &number);
     error = static_cast<uint32_t>(xcb_connection_has_error(connection));

@@ -50,8 +50,9 @@ windowTake windowBackend::Peek(windowMessage& message)
 {
     for (;;) {
         Queue.RunSent(Receiver);
+        // What is posted needs no display, and whoever ends windows waits for it.
         if (Display.IsLost())
-            return windowTake::Failed;
+            return TakeQueued(message) ? windowTake::Taken : windowTake::Failed;
         ReadEvents();
         if (TakeQueued(message))
             return windowTake::Taken;
