@@ -108,6 +108,14 @@ ratioFunction Loop(std::shared_ptr<const gnssStream> stream, size_t chunk, figur
     };
 }
 
+// A decoder in whose spectra somebody is interested.
+struct spectrumDecoder : gnssUBX {
+    spectrumDecoder()
+    {
+        OnRFSpectrum = [](const Spectrum& told) { benchmark::DoNotOptimize(told.Levels); };
+    }
+};
+
 template <class Decoder, class Floor>
 void Group(const std::string& name, const gnssStream& bytes)
 {
@@ -205,6 +213,7 @@ void ratioGroups()
     GroupOf("nmea", gnssStreamNMEA().Bytes);
     GroupOf("ubx", gnssStreamUBX().Bytes);
     GroupOf("tsip", gnssStreamTSIP().Bytes);
+    Group<spectrumDecoder, ubxFloor>("UBX with spectra", gnssStreamSpectrum().Bytes);
 }
 
 // --- Every allocation of this program is counted. Its size stands in front of it.

@@ -88,6 +88,9 @@ def main():
                 former, last = last, sample(program.pid)
                 print(told(former, last), flush=True)
             print("whole " + told(first, last))
+            wall = last["time"] - first["time"]
+            for part, name in (("interface", "interface thread"), ("whole", "program")):
+                print(f"{name} at {rate} solutions a second: {(last[part] - first[part]) / wall:.3g} x a processor")
             if len(sys.argv) > 4:
                 subprocess.run(["import", "-window", "root", sys.argv[4]], check=True)
             alive = program.poll() is None

@@ -77,7 +77,7 @@ void Print(group& each)
     for (timing& one : each.Timings) {
         if (one.Function == Measured || one.Nanoseconds.empty())
             continue;
-        std::snprintf(piece, sizeof piece, "%s%.2f x %s",
+        std::snprintf(piece, sizeof piece, "%s%.3g x %s",
                       others == 0   ? " "
                       : others == 1 ? " ("
                                     : ", ",

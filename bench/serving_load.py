@@ -61,15 +61,19 @@ def main():
     seconds = int(sys.argv[2]) if len(sys.argv) > 2 else 10
     crowds = [int(word) for word in sys.argv[3:]] or [1, 50, 500]
     good = True
+    alone = None
     for clients in crowds:
         found = measure(folder, seconds, clients)
         whole = found["wrong"] == found["lost"] == found["comersWrong"] == found["comersRefused"] == found["exit"] == 0
         # What was written last may still be under way.
         whole = whole and found["last"] - found["reached"] < 50
         good = good and whole
-        print(f"{clients} clients, {seconds} s: {'every byte' if whole else 'BYTES MISSING: ' + str(found)}, "
-              f"latency {found['medianMs']:.1f} ms median, {found['p99Ms']:.1f} ms for 99 of 100, "
-              f"{found['cpu']:.3f} processor seconds a second, {found['resident']:.0f} MiB at most", flush=True)
+        alone = alone or found["medianMs"]
+        print(f"server of {clients} clients: {found['cpu']:.3g} x a processor, "
+              f"{'every byte' if whole else 'BYTES MISSING: ' + str(found)} in {seconds} s, {found['resident']:.0f} MiB at most")
+        beside = "" if clients == crowds[0] else f"{found['medianMs'] / alone:.3g} x that with {crowds[0]}, "
+        print(f"latency with {clients} clients: {beside}{found['medianMs']:.1f} ms median, {found['p99Ms']:.1f} ms for 99 of 100",
+              flush=True)
     return 0 if good else 1
 
 

@@ -24,9 +24,11 @@ int main()
     std::printf("first paint: %zu draws, %zu brushes, %zu text formats\n", first, fakeBrushesMade(),
                 fakeFormatsMade());
     form->InvalidateTree(true);
-    std::printf("whole repaint: %zu draws\n", drawsOf());
+    const size_t whole = drawsOf();
     form->Labels.front()->Caption("1");
-    std::printf("one changed label: %zu draws\n", drawsOf());
+    const size_t one = drawsOf();
+    std::printf("draws for one changed label: %.3g x those of a whole repaint, %zu of %zu\n",
+                static_cast<double>(one) / static_cast<double>(whole), one, whole);
     delete form;
     return 0;
 }

@@ -116,8 +116,9 @@ bool isBright(uint32_t pixel)
 void report(const char* what, std::vector<double>& times)
 {
     std::sort(times.begin(), times.end());
-    std::printf("%s: %.0f ms at least, %.0f median, %.0f at most, of %zu\n", what, times.front(),
-                times[times.size() / 2], times.back(), times.size());
+    const double median = times[times.size() / 2];
+    std::printf("%s: %.3g x a second, %.0f ms at least, %.0f at most, of %zu\n", what, median / 1000,
+                times.front(), times.back(), times.size());
 }
 
 // What the program of a run took; negative where it never came.

@@ -5,8 +5,12 @@
 #include "platform/linux/screen/drawWindow.h"
 
 #include <cmath>
+#include <map>
+#include <tuple>
 
 namespace {
+
+constexpr size_t MostFormats = 64;
 
 class cairoSystem final : public drawSystem
 {
@@ -39,7 +43,13 @@ public:
     {
         if (!(size > 0) || !std::isfinite(size))
             return nullptr;
-        return std::make_shared<pangoFormat>(Fonts, font, bold, italic, size);
+        const formatKey key = {std::string(font), bold, italic, size};
+        if (Formats.size() >= MostFormats && !Formats.contains(key))
+            Formats.clear();
+        std::shared_ptr<drawTextFormat>& kept = Formats[key];
+        if (!kept)
+            kept = std::make_shared<pangoFormat>(Fonts, font, bold, italic, size);
+        return kept;
     }
 
     std::unique_ptr<drawTextLayout> MakeTextLayout(std::string_view text, const drawTextFormat& format,
@@ -51,7 +61,11 @@ public:
     }
 
 private:
+    using formatKey = std::tuple<std::string, bool, bool, float>;
+
     std::shared_ptr<drawFonts> Fonts;
+    // Each control asks for one in each paint, and nobody changes one.
+    std::map<formatKey, std::shared_ptr<drawTextFormat>> Formats;
 };
 
 }  // namespace

@@ -104,16 +104,18 @@ std::vector<glyphRun> runsOf(const PangoLayoutLine& line)
 
 void drawRunOnPixels(cairo_t* context, drawGlyphs& masks, const glyphRun& run, double left, int baseline)
 {
-    cairo_scaled_font_t* font = pango_cairo_font_get_scaled_font(PANGO_CAIRO_FONT(run.Font.get()));
+    std::vector<drawGlyph> glyphs;
+    glyphs.reserve(static_cast<size_t>(run.Glyphs->num_glyphs));
     double x = left + run.X;
     for (int index = 0; index < run.Glyphs->num_glyphs; ++index) {
         const PangoGlyphInfo& glyph = run.Glyphs->glyphs[index];
         const PangoGlyphGeometry& place = glyph.geometry;
         if (glyph.glyph != PANGO_GLYPH_EMPTY)
-            masks.Draw(context, font, glyph.glyph, x + pango_units_to_double(place.x_offset),
-                       baseline + PANGO_PIXELS(place.y_offset));
+            glyphs.push_back({glyph.glyph, x + pango_units_to_double(place.x_offset),
+                              baseline + PANGO_PIXELS(place.y_offset)});
         x += pango_units_to_double(place.width);
     }
+    masks.Draw(context, pango_cairo_font_get_scaled_font(PANGO_CAIRO_FONT(run.Font.get())), glyphs);
 }
 
 // Outlines stand anywhere; glyphs of a bitmap snap to pixels and dance along a slope.
