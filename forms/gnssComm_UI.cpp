@@ -139,7 +139,7 @@ void gnssComm::UI::MakeNetworkRow()
 
 void gnssComm::UI::ListenToControls()
 {
-    RoleBox->OnChange = [this] { RoleChanged(); };
+    RoleBox->OnChange = [this] { Start(); };
     PortBox->OnChange = [this] {
         PortSetting.Value = PortBox->Name();
         Reconnect(false);

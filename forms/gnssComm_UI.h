@@ -49,10 +49,12 @@ public:
 
     void Layout() override;
 
-    // Applies the role that is chosen. False when the serial port cannot be opened.
+    // Applies the role that is chosen; a run that is on ends first. False when the serial port cannot be
+    // opened.
     bool Start();
 
-    // Hands bytes of the receiver in, in the role "Embedded"; one thread at a time, any thread.
+    // Of this form, and as long as it. In the role "Embedded" its Feed takes the receiver's bytes, from one
+    // thread at a time.
     gnssComm& Link() { return Comm; }
 
 private:
@@ -78,7 +80,6 @@ private:
     void StopRun();  // with the page, and what the protocol was
     void RemovePage();
     void Reconnect(bool onlyUBX);
-    void RoleChanged();
     bool IsRole(const char* role) const;
     void ShowRole();
     void LeaveSerial();

@@ -71,12 +71,6 @@ void gnssComm::UI::Reconnect(bool onlyUBX)
     Start();
 }
 
-void gnssComm::UI::RoleChanged()
-{
-    StopRun();
-    Start();
-}
-
 // --- Roles
 
 bool gnssComm::UI::IsRole(const char* role) const
@@ -124,6 +118,7 @@ void gnssComm::UI::ShowRole()
 bool gnssComm::UI::Start()
 {
     const ctrlLife life(this);
+    StopRun();
     ShowRole();
     if (!life)
         return false;
@@ -147,9 +142,6 @@ bool gnssComm::UI::Start()
 
 void gnssComm::UI::UseNetwork(bool network)
 {
-    if (Comm.Network == network)
-        return;
-    StopRun();
     Comm.Network = network;
     Comm.NetSend = nullptr;
     if (network)
@@ -244,6 +236,5 @@ void gnssComm::UI::ResetClicked()
         threadSleep(sendStepMs);
     Comm.Feed(nullptr, 0);
     threadSleep(boundaryWaitMs);
-    StopRun();
     Start();
 }

@@ -33,7 +33,7 @@ struct unitPair {
 constexpr unitPair biasUnits{100'000, "ns", clockDecimals, "\u03BCs", largeBiasDecimals};
 constexpr unitPair rateUnits{10'000, "ppb", clockDecimals, "ppm", clockDecimals};
 
-void ShowScaled(ctrlEdit_Val* edit, double value, const unitPair& units)
+void showScaled(ctrlEdit_Val* edit, double value, const unitPair& units)
 {
     // The edit would keep its number, which must then keep its unit.
     if (std::isnan(value))
@@ -93,8 +93,8 @@ void gnssTSIP::UI::Refresh()
 void gnssTSIP::UI::ShowClock()
 {
     const gnssTSIP& receiver = Receiver();
-    ShowScaled(ClockBiasEdit, receiver.ClockBias, biasUnits);
-    ShowScaled(BiasRateEdit, receiver.BiasRate, rateUnits);
+    showScaled(ClockBiasEdit, receiver.ClockBias, biasUnits);
+    showScaled(BiasRateEdit, receiver.BiasRate, rateUnits);
     PPSErrorEdit->Value(double{receiver.PPSError} * picosecondsPerSecond);
 }
 

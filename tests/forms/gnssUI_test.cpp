@@ -16,7 +16,6 @@ class gnssUITest : public pageTest
 protected:
     void Feed(const std::string& stream) { Listener.Feed(stream); }
 
-    // Goes to the end of what waits and gives the text of an edit.
     static std::string TextOf(const ctrlWindow* edit) { return edit->Name(); }
 
     static std::vector<ctrlEdit_Base*> EditsOf(const basePage* page)

@@ -6,6 +6,8 @@ import subprocess
 import tempfile
 import unittest
 
+import results
+
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 
 
@@ -114,4 +116,4 @@ class CheckTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    results.main()

@@ -13,7 +13,6 @@ import re
 import shutil
 import signal
 import socket
-import struct
 import subprocess
 import sys
 import tempfile
@@ -21,10 +20,13 @@ import threading
 import time
 import unittest
 
+import frames
 import results
 
 FOLDER = pathlib.Path(sys.argv.pop(1)).resolve()
-EVERYTHING = "all" in sys.argv and bool(sys.argv.remove("all") or True)
+EVERYTHING = "all" in sys.argv
+if EVERYTHING:
+    sys.argv.remove("all")
 CONSOLE = FOLDER / "skyreckoning-console"
 SIMULATOR = FOLDER / "skysim"
 VERSION = re.search(r"project\(Skyreckoning VERSION ([0-9.]+)",
@@ -109,12 +111,17 @@ class Program:
             self.process.send_signal(sign)
         code = self.process.wait(SECONDS_AT_MOST)
         took = time.monotonic() - began
-        self.reader.join(SECONDS_AT_MOST)
-        self.process.stdin.close()
         errors = self.process.stderr.read()
-        self.process.stdout.close()
-        self.process.stderr.close()
+        self.close()
         return code, took, errors
+
+    def close(self):
+        """Ends it if it still runs, and lets go of what it said."""
+        self.process.kill()
+        self.process.wait()
+        self.reader.join(SECONDS_AT_MOST)
+        for stream in (self.process.stdin, self.process.stdout, self.process.stderr):
+            stream.close()
 
 
 def status_of(line):
@@ -132,7 +139,7 @@ class Scene(unittest.TestCase):
 
     def start(self, *command, **options):
         program = Program(self.home, *command, **options)
-        self.addCleanup(lambda: program.process.poll() is None and program.process.kill())
+        self.addCleanup(program.close)
         return program
 
     def simulate(self, *arguments):
@@ -231,38 +238,28 @@ class NetworkTest(Scene):
         list(self.end(console, simulator))
 
     def test_a_receiver_that_turns_out_to_be_a_ublox_is_sought_anew_with_its_own_decoder(self):
-        def message(key, body):
-            return struct.pack("<II", key, len(body)) + body
-
-        def stream(payload):
-            return message(0x53534E47, b"STRM" + payload)
-
-        version = bytes([0x0A, 0x04, 70, 0]) + b"EXT".ljust(30, b"\0") + b"00080000\0\0" + b"PROTVER=18.00".ljust(30, b"\0")
-        sums = [0, 0]
-        for byte in version:
-            sums[0] = (sums[0] + byte) % 256
-            sums[1] = (sums[1] + sums[0]) % 256
-        answer = b"\xB5\x62" + version + bytes(sums)
+        answer = frames.ubx(0x0A, 0x04,
+                            b"EXT".ljust(30, b"\0") + b"00080000\0\0" + b"PROTVER=18.00".ljust(30, b"\0"))
         with socket.create_server(("127.0.0.1", 0)) as server:
             console = self.console("--host", f"127.0.0.1:{server.getsockname()[1]}")
             peer, _ = server.accept()
-            peer.sendall(message(0xFFFF0001, b"Skyreckoning Server v20240612"))
+            peer.sendall(frames.message(frames.HANDSHAKE, frames.GREETING))
             self.assertIsNotNone(console.await_line(lambda text: status_of(text) == "Waiting for device reply..."))
             limit = time.monotonic() + SECONDS_AT_MOST
             found = None
             while found is None and time.monotonic() < limit:
-                peer.sendall(stream(b"$GPGLL,4723.0,N,00832.0,E,120000,A,A\r\n"))
+                peer.sendall(frames.stream(frames.nmea("GPGLL,4723.0,N,00832.0,E,120000,A,A")))
                 found = console.await_line(lambda text: status_of(text) == "Model: Generic NMEA", 0.2)
             self.assertIsNotNone(found)
             # The answer comes when the decoder that asked for it has gone; one may be lost on the way there.
             again = None
             while again is None and time.monotonic() < limit:
-                peer.sendall(stream(answer))
+                peer.sendall(frames.stream(answer))
                 again = console.await_line(lambda text: status_of(text) == "Waiting for device reply...", 1, found[2])
             self.assertIsNotNone(again)
             model = None
             while model is None and time.monotonic() < limit:
-                peer.sendall(stream(answer))
+                peer.sendall(frames.stream(answer))
                 model = console.await_line(lambda text: status_of(text) == "Model: u-blox 8/M8", 0.3, again[2])
             self.assertIsNotNone(model)
             peer.close()
@@ -272,8 +269,7 @@ class NetworkTest(Scene):
         with socket.create_server(("127.0.0.1", 0)) as server:
             console = self.console("--host", f"127.0.0.1:{server.getsockname()[1]}")
             peer, _ = server.accept()
-            text = b"Somebody Else v1"
-            peer.sendall(struct.pack("<II", 0xFFFF0001, len(text)) + text)
+            peer.sendall(frames.message(frames.HANDSHAKE, b"Somebody Else v1"))
             self.assertEqual(console.process.wait(20), 1)
             self.assertIn("Unsupported server type!", console.stop()[2])
             peer.close()
@@ -382,7 +378,7 @@ class MonitorTest(Scene):
         self.assertIsNotNone(console.wait(20))
 
 
-class ArgumentsTest(unittest.TestCase):
+class ArgumentsTest(Scene):
     def run_console(self, *arguments, **options):
         return subprocess.run([CONSOLE, *arguments], capture_output=True, text=True, timeout=30, check=False, **options)
 
@@ -413,14 +409,10 @@ class ArgumentsTest(unittest.TestCase):
             self.assertIn(text, run.stdout)
 
     def test_virtual_ports_are_listed(self):
-        home = pathlib.Path(tempfile.mkdtemp())
-        self.addCleanup(shutil.rmtree, home)
-        simulator = Program(home, SIMULATOR, "--model", "nmea", "--pty", "ttyH", "--line", "4800N1")
-        self.assertIsNotNone(simulator.await_line(lambda line: line.startswith("ready"), 20))
-        run = self.run_console("--list", env=environment(home))
+        self.simulate("--model", "nmea", "--pty", "ttyH", "--line", "4800N1")
+        run = self.run_console("--list", env=environment(self.home))
         self.assertEqual(run.returncode, 0)
         self.assertIn("ttyH\t", run.stdout)
-        self.assertEqual(simulator.stop()[0], 0)
 
 
 if __name__ == "__main__":

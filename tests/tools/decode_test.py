@@ -3,9 +3,7 @@ tests/tools/decode_test.py PROGRAM
 """
 
 import datetime
-import functools
 import json
-import operator
 import os
 import pathlib
 import shutil
@@ -16,6 +14,7 @@ import tempfile
 import unittest
 
 import results
+from frames import nmea, tsip, ubx
 
 PROGRAM = os.path.abspath(sys.argv.pop(1))
 PROTOCOLS = ["nmea", "tsip", "ubx"]
@@ -23,25 +22,6 @@ PROTOCOLS = ["nmea", "tsip", "ubx"]
 SECONDS = 60
 TODAY = ("--today", "2026-11-20")
 ROLLOVER = datetime.timedelta(weeks=1024)
-
-
-def nmea(text):
-    checksum = functools.reduce(operator.xor, text.encode())
-    return f"${text}*{checksum:02X}\r\n".encode()
-
-
-def ubx(message_class, message, payload):
-    body = struct.pack("<BBH", message_class, message, len(payload)) + payload
-    first = second = 0
-    for byte in body:
-        first = first + byte & 0xFF
-        second = second + first & 0xFF
-    return b"\xB5\x62" + body + bytes((first, second))
-
-
-def tsip(*packet):
-    return b"\x10" + b"".join(packet).replace(b"\x10", b"\x10\x10") + b"\x10\x03"
-
 
 RMC = nmea("GPRMC,123519.5,A,4807.5,N,01130,W,10,84.5,230394,3.25,W")
 SENTENCES = (nmea("GPGSV,1,1,2,7,40,83,46,8,17,308,,1") + RMC + nmea("GPGSA,A,3,08,,,,,,,,,,,,2.5,0.5,1.5")

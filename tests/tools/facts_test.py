@@ -8,6 +8,8 @@ import sys
 import tempfile
 import unittest
 
+import results
+
 PROGRAM = sys.argv.pop(1)
 
 
@@ -75,4 +77,4 @@ class FactsTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    results.main()

@@ -14,12 +14,13 @@ import termios
 import time
 import unittest
 
+import frames
 import results
 
 PROGRAM = os.path.abspath(sys.argv.pop(1))
 LIMIT = 10  # seconds, for anything that should happen soon
 
-POLL_VERSION = bytes.fromhex("B5620A0400000E34")
+POLL_VERSION = frames.ubx(0x0A, 0x04)
 
 
 def until(what):
@@ -120,17 +121,17 @@ class Client:
         return data
 
     def message(self):
-        key, length = struct.unpack("<II", self.receive(8))
+        key, length = struct.unpack("<4sI", self.receive(8))
         return key, self.receive(length)
 
     def send(self, key, body):
-        self.socket.sendall(key + struct.pack("<I", len(body)) + body)
+        self.socket.sendall(frames.message(key, body))
 
     def stream(self):
         """The bytes of the next message of the receiver's stream."""
         while True:
             key, body = self.message()
-            if key == int.from_bytes(b"GNSS", "little"):
+            if key == b"GNSS":
                 assert body[:4] == b"STRM"
                 return body[4:]
 
@@ -237,13 +238,9 @@ class PortTest(unittest.TestCase):
     def test_the_line_moves_when_the_receiver_is_told(self):
         simulator = self.start("--model", "m9", "--line", "9600N1")
         # CFG-UART1-BAUDRATE 230400
-        body = bytes.fromhex("068A0C00") + bytes([0, 1, 0, 0]) + struct.pack("<II", 0x40520001, 230400)
-        a = b = 0
-        for byte in body:
-            a = (a + byte) & 255
-            b = (b + a) & 255
+        command = frames.ubx(0x06, 0x8A, bytes([0, 1, 0, 0]) + struct.pack("<II", 0x40520001, 230400))
         port = self.open(simulator, termios.B9600)
-        port.write(b"\xB5\x62" + body + bytes([a, b]))
+        port.write(command)
         time.sleep(0.3)
         port.close()
         port = self.open(simulator, termios.B230400)
@@ -317,7 +314,7 @@ class ServerTest(unittest.TestCase):
 
     def test_clients_are_greeted(self):
         _, port = self.start()
-        self.assertEqual(Client(self, port).message(), (0xFFFF0001, b"Skyreckoning Server v20240612"))
+        self.assertEqual(Client(self, port).message(), (frames.HANDSHAKE, frames.GREETING))
 
     def test_the_receiver_is_heard_and_told_by_all(self):
         _, port = self.start("--model", "m9")
@@ -336,9 +333,8 @@ class ServerTest(unittest.TestCase):
         client.send(b"GNSS", b"ELSE")
         client.send(b"NOOP", b"")
         client.send(b"NOOP", b"hello")
-        noop = int.from_bytes(b"NOOP", "little")
-        self.assertEqual(client.message(), (noop, b""))
-        self.assertEqual(client.message(), (noop, b"hello"))
+        self.assertEqual(client.message(), (b"NOOP", b""))
+        self.assertEqual(client.message(), (b"NOOP", b"hello"))
 
     def test_a_length_out_of_bounds_ends_the_connection_alone(self):
         _, port = self.start("--model", "nmea")

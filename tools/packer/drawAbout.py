@@ -1,4 +1,4 @@
-#!/ usr / bin / env python3
+#!/usr/bin/env python3
 """Draws the picture of the about box: tools/packer/drawAbout.py resources/about.png
 
 Night over a horizon, satellites on their arcs, and an antenna that hears them, in the colours of the theme. Each pixel is
@@ -8,38 +8,28 @@ the mean of SCALE by SCALE points. Afterwards, from the root of the tree:
 """
 
 import math
-import struct
+import pathlib
 import sys
-import zlib
+
+from drawPng import AMBER, ARC, CYAN, GROUND, SKY_LOW, SKY_TOP, WHITE, mixed, png
 
 WIDTH, HEIGHT = 142, 104
 SCALE = 4
 
-SKY_TOP = (0x0C, 0x0C, 0x1C)
-SKY_LOW = (0x40, 0x40, 0x60)
 GLOW = (0x60, 0x48, 0x00)
-GROUND = (0x10, 0x10, 0x1A)
 HILL = (0x20, 0x20, 0x34)
-ARC = (0x80, 0x80, 0xC0)
 FACE = (0x60, 0x60, 0x80)
-WHITE = (0xFF, 0xFF, 0xFF)
-AMBER = (0xFF, 0xC0, 0x00)
-CYAN = (0x00, 0xFF, 0xFF)
 
 HORIZON = 84
 CENTRE = (71, 142)  # of all arcs, below the picture
 ANTENNA = (38, 65)  # the middle of the dome's foot
 
-#Radius of the arc, where on it in degrees from the right, colour of the panels.
+# Radius of the arc, where on it in degrees from the right, colour of the panels.
 SATELLITES = [(84, 88, CYAN), (84, 58, AMBER), (110, 82, CYAN), (110, 119, AMBER), (126, 66, CYAN)]
 HEARD = [0, 2, 3]
 
 STARS = [(9, 12), (21, 31), (33, 8), (47, 22), (58, 5), (64, 44), (77, 12), (88, 38), (99, 7), (112, 49), (118, 14),
          (131, 35), (136, 6), (128, 62), (12, 56), (104, 66), (82, 61), (6, 38)]
-
-
-def mixed(one, other, part):
-    return tuple(a + (b - a) * part for a, b in zip(one, other))
 
 
 class Picture:
@@ -48,7 +38,7 @@ class Picture:
 
     @staticmethod
     def sky(y):
-#In steps, as wide rows of one colour are small when packed.
+        # In steps, as wide rows of one colour are small when packed.
         y = min(math.floor(y / 2) * 2, HORIZON)
         colour = mixed(SKY_TOP, SKY_LOW, (y / HORIZON) ** 1.4)
         return mixed(colour, GLOW, max(0.0, (y - HORIZON + 22) / 22) ** 2 * 0.7)
@@ -82,21 +72,16 @@ class Picture:
         self.paint((centre[0] - outer, centre[1] - outer, centre[0] + outer, centre[1] + outer), colour,
                    lambda x, y: inner <= math.hypot(x - centre[0], y - centre[1]) <= outer, opacity)
 
+    def row(self, top):
+        """The bytes of a row of pixels."""
+        line = bytearray()
+        for left in range(0, WIDTH * SCALE, SCALE):
+            points = [point for row in self.rows[top:top + SCALE] for point in row[left:left + SCALE]]
+            line += bytes(round(sum(channel) / len(points)) for channel in zip(*points))
+        return bytes(line)
+
     def png(self):
-        lines = []
-        for top in range(0, HEIGHT * SCALE, SCALE):
-            line = bytearray([0])
-            for left in range(0, WIDTH * SCALE, SCALE):
-                points = [point for row in self.rows[top:top + SCALE] for point in row[left:left + SCALE]]
-                line += bytes(round(sum(channel) / len(points)) for channel in zip(*points))
-            lines.append(bytes(line))
-
-        def chunk(kind, content):
-            return (struct.pack(">I", len(content)) + kind + content
-                    + struct.pack(">I", zlib.crc32(kind + content)))
-
-        return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", WIDTH, HEIGHT, 8, 2, 0, 0, 0))
-                + chunk(b"IDAT", zlib.compress(b"".join(lines), 9)) + chunk(b"IEND", b""))
+        return png(WIDTH, 3, [self.row(top) for top in range(0, HEIGHT * SCALE, SCALE)])
 
 
 def place(radius, degrees):
@@ -113,7 +98,7 @@ def draw_sky(picture):
 
 def draw_satellite(picture, radius, degrees, colour):
     x, y = place(radius, degrees)
-#The panels lie along the arc.
+    # The panels lie along the arc.
     ax, ay = math.sin(math.radians(degrees)), math.cos(math.radians(degrees))
     for side in (-1, 1):
         picture.line((x + side * 3 * ax, y + side * 3 * ay), (x + side * 8 * ax, y + side * 8 * ay), 3.6, colour)
@@ -143,7 +128,7 @@ def draw_antenna(picture):
                   lambda px, py: ((px - x) / 11.5) ** 2 + ((py - foot) / 9) ** 2 <= 1 and px > x + 3, 0.5)
 
 
-def main():
+def draw():
     picture = Picture()
     draw_sky(picture)
     dome = (ANTENNA[0], ANTENNA[1] - 6)
@@ -154,8 +139,11 @@ def main():
         draw_satellite(picture, *satellite)
     draw_ground(picture)
     draw_antenna(picture)
-    with open(sys.argv[1], "wb") as file:
-        file.write(picture.png())
+    return picture
+
+
+def main():
+    pathlib.Path(sys.argv[1]).write_bytes(draw().png())
 
 
 if __name__ == "__main__":

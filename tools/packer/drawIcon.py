@@ -2,30 +2,22 @@
 """Draws the program's icon: tools/packer/drawIcon.py resources/icon
 
 The dome of the sky over a horizon, a satellite on its arc above it, and the receiver that hears it, in the colours of the
-theme.
-Writes skyreckoning-SIZE.png for each size, skyreckoning.ico of those that Windows asks for, and programIcon.cpp for where a
-program's file has no icon. Each size is drawn anew:
-lines are whole pixels wide and begin on whole pixels, so that the smallest is as crisp as the largest.
+theme. Writes skyreckoning-SIZE.png for each size, skyreckoning.ico of those that Windows asks for, and programIcon.cpp for
+where a program's file has no icon. Each size is drawn anew: lines are whole pixels wide and begin on whole pixels, so that
+the smallest is as crisp as the largest.
 """
 
 import math
 import pathlib
 import struct
 import sys
-import zlib
+
+from drawPng import AMBER, ARC, CYAN, GROUND, SKY_LOW, SKY_TOP, WHITE, mixed, png
 
 PNG_SIZES = (16, 24, 32, 48, 64, 128, 256)
 ICO_SIZES = (16, 24, 32, 48, 64, 256)
 SOURCE_SIZE = 48
 LARGEST_BITMAP = 64  # of the .ico; a larger one is a PNG
-
-SKY_TOP = (0x0C, 0x0C, 0x1C)
-SKY_LOW = (0x40, 0x40, 0x60)
-GROUND = (0x10, 0x10, 0x1A)
-HORIZON = (0x80, 0x80, 0xC0)
-WHITE = (0xFF, 0xFF, 0xFF)
-AMBER = (0xFF, 0xC0, 0x00)
-CYAN = (0x00, 0xFF, 0xFF)
 
 # Parts of the side.
 CORNER = 0.19
@@ -40,10 +32,6 @@ RECEIVER_RADIUS = 0.14
 
 # Below this there is no room for a ray between the dome and the receiver.
 SMALLEST_WITH_RAY = 32
-
-
-def mixed(one, other, part):
-    return tuple(a + (b - a) * part for a, b in zip(one, other))
 
 
 def whole(pixels):
@@ -72,12 +60,7 @@ class Picture:
         return b"".join(bytes(round(channel) for channel in (*colour, alpha * 255)) for colour, alpha in self.rows[row])
 
     def png(self):
-        def chunk(kind, content):
-            return struct.pack(">I", len(content)) + kind + content + struct.pack(">I", zlib.crc32(kind + content))
-
-        lines = b"".join(b"\0" + self.bytes(row) for row in range(self.size))
-        return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", self.size, self.size, 8, 6, 0, 0, 0))
-                + chunk(b"IDAT", zlib.compress(lines, 9)) + chunk(b"IEND", b""))
+        return png(self.size, 4, [self.bytes(row) for row in range(self.size)])
 
     def bitmap(self):
         """Rows from below, blue before green before red, and a mask behind them that the alpha makes needless."""
@@ -148,7 +131,7 @@ def draw(size):
     orbit = ORBIT_RADIUS * size
     angle = math.radians(SATELLITE_PLACE)
     satellite = middle[0] + orbit * math.cos(angle), middle[1] - orbit * math.sin(angle)
-    picture.paint(constant(HORIZON), both(square, ring(middle, orbit, line), above(horizon)), 0.8)
+    picture.paint(constant(ARC), both(square, ring(middle, orbit, line), above(horizon)), 0.8)
     picture.paint(constant(AMBER), both(ring(middle, radius, whole(DOME_LINE * size)), above(horizon)))
     if size >= SMALLEST_WITH_RAY:
         picture.paint(constant(SKY_LOW), both(segment(middle, satellite, 3 * line), above(horizon)))
@@ -156,7 +139,7 @@ def draw(size):
     # A gap parts the satellite from the line that it stands on.
     picture.paint(constant(SKY_TOP), both(square, disc(satellite, SATELLITE_RADIUS * size + line)))
     picture.paint(constant(CYAN), disc(satellite, SATELLITE_RADIUS * size))
-    picture.paint(constant(HORIZON), both(square, below(horizon), above(horizon + line)))
+    picture.paint(constant(ARC), both(square, below(horizon), above(horizon + line)))
     picture.paint(constant(WHITE), both(disc(middle, RECEIVER_RADIUS * size), above(horizon)))
     return picture
 

@@ -42,6 +42,7 @@ std::vector<packMatch> packMatches::At(size_t position)
     }
     Earlier[position] = newest;
     newest = position + 1;
+    Before = found.empty() ? packMatch{} : found.back();
     return found;
 }
 
@@ -56,7 +57,8 @@ size_t packMatches::LengthAt(size_t position, size_t earlier, size_t toBeat) con
     // The byte that decides is seen first, or long runs that end alike would be compared for ever.
     if (Bytes[earlier + toBeat] != Bytes[position + toBeat])
         return 0;
-    size_t length = 0;
+    // What was the same from the position before on, but for its first byte, needs no second look.
+    size_t length = position - earlier == Before.Distance ? Before.Length - 1 : 0;
     while (length < most && Bytes[earlier + length] == Bytes[position + length])
         ++length;
     return length;

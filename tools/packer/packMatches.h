@@ -29,4 +29,5 @@ private:
     std::span<const uint8_t> Bytes;
     std::vector<size_t> Newest;   // the last position of each hash, plus 1
     std::vector<size_t> Earlier;  // the one before with the same hash, plus 1
+    packMatch Before;             // the longest of the position before
 };
