@@ -247,6 +247,8 @@ TEST(simArguments, ReadsAllThatCanBeSaid)
                                          "--nak",
                                          "--lose",
                                          "3",
+                                         "--speed",
+                                         "24",
                                          "--errors",
                                          "0.25",
                                          "--cut",
@@ -264,6 +266,7 @@ TEST(simArguments, ReadsAllThatCanBeSaid)
     EXPECT_EQ(arguments.Receiver.Place.Altitude, 520);
     EXPECT_EQ(arguments.Receiver.StartUtcNs, 1'577'836'800'000'000'000);
     EXPECT_TRUE(arguments.FixedStart);
+    EXPECT_EQ(arguments.Speed, 24);
     EXPECT_EQ(arguments.Receiver.Seed, 9u);
     EXPECT_TRUE(arguments.Faults.Silent && arguments.Faults.Nak && arguments.Faults.Unplugged);
     EXPECT_EQ(arguments.Faults.LoseAnswers, 3u);
@@ -306,6 +309,9 @@ TEST(simArguments, TellsWhatIsWrongInOneLine)
         {"--serve", "0", "--line", "N1"},
         {"--serve", "0", "--rate", "0"},
         {"--serve", "0", "--rate", "26"},
+        {"--serve", "0", "--speed", "0.5"},
+        {"--serve", "0", "--speed", "101"},
+        {"--serve", "0", "--speed", "soon"},
         {"--serve", "0", "--position", "47"},
         {"--serve", "0", "--position", "91,0"},
         {"--serve", "0", "--position", "1,2,3,4"},
@@ -326,7 +332,7 @@ TEST(simArguments, ExplainsEverything)
 {
     EXPECT_TRUE(Read({"--help"}).Help);
     EXPECT_EQ(Read({"--help"}).Wrong, "");
-    for (const char* const word : {"--model", "--pty", "--serve", "--line", "--nmea", "neo-f10n",
+    for (const char* const word : {"--model", "--pty", "--serve", "--line", "--nmea", "--speed", "neo-f10n",
                                    "resolution", "silence on|off", "replay FILE", "--loop"})
         EXPECT_THAT(simUsage(), HasSubstr(word));
 }

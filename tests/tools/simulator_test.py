@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import re
 import select
 import shutil
 import signal
@@ -389,6 +390,33 @@ class ServerTest(unittest.TestCase):
         client.message()
         client.stream_until(b"RMC,235959.00,A")
         client.stream_until(b",01,03,2020,")
+
+
+    def test_six_hundred_solutions_a_second_leave_whole(self):
+        # On a port, too, where nobody reads: what a line would have to carry is what makes a receiver leave messages out.
+        simulator = Simulator(self, "--model", "m9", "--nmea", "--port", "usb", "--rate", "25", "--speed", "24",
+                              "--time", "2020-02-29T12:00:00", "--pty", "ttySKY0", "--serve", "0")
+        simulator.ready()
+        client = Client(self, int(simulator.ready().split()[-1]))
+        client.message()
+        heard = []
+        limit = time.monotonic() + LIMIT
+        while len(heard) < 600:
+            assert time.monotonic() < limit, len(heard)
+            # $GNRMC,120003.48,A,...
+            heard += re.findall(rb"GNRMC,12(\d\d)(\d\d)\.(\d\d)", client.stream())
+        hundredths = [(int(minute) * 60 + int(second)) * 100 + int(part) for minute, second, part in heard]
+        self.assertEqual({later - earlier for earlier, later in zip(hundredths, hundredths[1:])}, {4})
+
+    def test_its_clock_may_go_faster(self):
+        _, port = self.start("--model", "nmea", "--time", "2020-02-29T23:59:00", "--speed", "24")
+        client = Client(self, port)
+        client.message()
+        client.stream_until(b"RMC,23590")
+        begun = time.monotonic()
+        # At the machine's pace it would take 48 s.
+        client.stream_until(b"RMC,23595")
+        self.assertGreater(time.monotonic() - begun, 40 / 24)
 
 
 class ReplayTest(unittest.TestCase):

@@ -111,6 +111,14 @@ bool SetTime(simArguments& arguments, std::string_view value)
     return start.has_value();
 }
 
+bool SetSpeed(simArguments& arguments, std::string_view value)
+{
+    constexpr double Fastest = 100;
+    const std::optional<double> speed = simNumberOfText(value);
+    arguments.Speed = speed.value_or(0);
+    return arguments.Speed >= 1 && arguments.Speed <= Fastest;
+}
+
 bool SetSeed(simArguments& arguments, std::string_view value)
 {
     const std::optional<double> seed = simNumberOfText(value);
@@ -137,6 +145,7 @@ constexpr optionRow Options[] = {
     {"--rate", "N", "solutions a second, 1 to 25; of a recording, bytes a second", SetRate},
     {"--position", "LAT,LON[,ALT]", "where the antenna stands, degrees and metres", SetPosition},
     {"--time", "2026-11-21T12:00:00", "when it begins, UTC; without it now", SetTime},
+    {"--speed", "N", "its clock and its line go so many times as fast, 1 to 100", SetSpeed},
     {"--seed", "N", "another run of what looks random", SetSeed},
     {"--silence", "", "starts silent",
      [](simArguments& arguments, std::string_view) { return SetFault(arguments, "silence", "on"); }},

@@ -13,6 +13,7 @@ struct simArguments {
     bool Help = false;
     simOptions Receiver;
     bool FixedStart = false;  // Receiver.StartUtcNs was given; else it is now
+    double Speed = 1;         // seconds of the receiver, and of its line, in one of the machine; 1 to 100
     simFaults Faults;
     std::string Pty;                // the name of the virtual port; empty for none
     std::optional<uint16_t> Serve;  // the port of the server, 0 for any

@@ -9,6 +9,7 @@
 #include "tools/simulator/simFaultCommand.h"
 #include "tools/simulator/simReplay.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -22,6 +23,8 @@ namespace {
 
 constexpr int ExitUsage = 2;
 constexpr uint32_t StepMs = 5;
+constexpr uint32_t FastStepMs = 1;
+constexpr int64_t MomentNs = 5'000'000;
 
 int Fail(const std::string& why)
 {
@@ -72,10 +75,15 @@ private:
     std::string OpenWays(const simArguments& arguments);
     void Obey();
     void Step();
+    void Live(int64_t now, const simLine& line);
+    int64_t Now() const;
 
     std::unique_ptr<simReceiver> Receiver;
     const simReplay* Recording = nullptr;
     bool SaidEnd = false;
+    double Speed = 1;
+    int64_t BegunNs = 0;
+    int64_t LivedNs = 0;  // up to here on the receiver's clock
     std::unique_ptr<simPtyWay> Pty;
     std::unique_ptr<simServerWay> Server;
 };
@@ -86,6 +94,8 @@ std::string simulation::Open(const simArguments& arguments)
     if (!wrong.empty())
         return wrong;
     Receiver->Faults = arguments.Faults;
+    Speed = arguments.Speed;
+    BegunNs = clockSteadyNs();
     return OpenWays(arguments);
 }
 
@@ -136,8 +146,15 @@ void simulation::RunUntilStopped()
     while (!stopAsked()) {
         Obey();
         Step();
-        threadSleep(StepMs);
+        // In the longer step a fast receiver would say more at once than a virtual port holds.
+        threadSleep(Speed > 1 ? FastStepMs : StepMs);
     }
+}
+
+// The receiver's clock, which may go faster than the machine's.
+int64_t simulation::Now() const
+{
+    return static_cast<int64_t>(static_cast<double>(clockSteadyNs() - BegunNs) * Speed);
 }
 
 void simulation::Obey()
@@ -168,7 +185,21 @@ void simulation::Step()
         Receiver->Take(Pty->Receive(line));
     if (Server)
         Receiver->Take(Server->Receive());
-    const int64_t now = clockSteadyNs();
+    // However fast its clock goes or however late this is, the line carries one moment's bytes before the
+    // next moment adds to them.
+    const int64_t now = Now();
+    while (LivedNs < now) {
+        LivedNs = std::min(now, LivedNs + MomentNs);
+        Live(LivedNs, line);
+    }
+    if (Recording != nullptr && Recording->Ended() && !SaidEnd) {
+        SaidEnd = true;
+        Say("ended");
+    }
+}
+
+void simulation::Live(int64_t now, const simLine& line)
+{
     const std::vector<uint8_t> due = Receiver->Advance(now);
     if (Pty) {
         Pty->Send(due, line, now);
@@ -177,10 +208,6 @@ void simulation::Step()
     }
     if (Server)
         Server->Send(due);
-    if (Recording != nullptr && Recording->Ended() && !SaidEnd) {
-        SaidEnd = true;
-        Say("ended");
-    }
 }
 
 int Run(const std::vector<std::string_view>& words)
