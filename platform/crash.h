@@ -183,8 +183,8 @@ constexpr size_t crashPathRoom = 4096;
 // The system's name for a report, closed by NUL and cut to the room; empty when it is not known.
 void crashSystemName(char* target, size_t room);
 
-// The user's folder for documents, without a separator at its end, closed by NUL: its length. 0 when there is
-// none, or when it is `room` - 1 bytes or longer.
+// The user's folder for documents, closed by NUL, without a separator at its end unless it is the root: its
+// length. 0 when there is none, or when it is `room` - 1 bytes or longer.
 size_t crashDocuments(char* target, size_t room);
 
 // What separates folders in a path.

@@ -15,7 +15,7 @@ bool ptyAvailable();
 enum class ptyFault : uint8_t {
     None,
     Unavailable,  // the system has no such ports
-    Name,         // the name does not begin with "tty", or has a separator of paths in it
+    Name,         // the name does not begin with "tty", has a separator of paths in it, or is too long
     NoFolder,     // the person has no folder for what runs: XDG_RUNTIME_DIR is not set, or cannot be written
     Taken,        // another program has a virtual port of this name, or a file of that name stands there
     System,       // the system has no more ports, or refuses

@@ -1,7 +1,7 @@
 // Top-level windows, their messages, input, cursors, monitors and the clipboard.
 //
 // The thread that calls Create first is the interface thread. All operations belong to it, but for Post,
-// Send, AskPaint and Object, which any thread may call. A window that was destroyed, or never was, is
+// Send, AskPaint, Object and Alert, which any thread may call. A window that was destroyed, or never was, is
 // harmless: every call on it fails or does nothing. Positions and sizes are pixels of the screen, and a size
 // is at most 16384 by 16384.
 //

@@ -13,6 +13,7 @@
 #include <sys/eventfd.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -44,15 +45,23 @@ bool IsName(std::string_view name)
            name.find_first_of(Separators) == std::string_view::npos;
 }
 
-// A virtual port goes before a device of the same name, or it could not be reached.
+bool IsSomething(const std::string& path)
+{
+    struct stat state = {};
+    return lstat(path.c_str(), &state) == 0;
+}
+
+// A virtual port goes before a device of the same name, or it could not be reached. In a folder that cannot
+// be looked into, as that of another person, there is none.
 fileDescriptor OpenNamed(const std::string& name, bool& isVirtual)
 {
     isVirtual = false;
     const std::string folder = commSystemPlaces().Virtual;
     if (!folder.empty()) {
-        fileDescriptor line = fileOpenDescriptor(folder + '/' + name, O_RDWR);
+        const std::string path = folder + '/' + name;
+        fileDescriptor line = fileOpenDescriptor(path, O_RDWR);
         isVirtual = line.IsOpen();
-        if (isVirtual || errno != ENOENT)
+        if (isVirtual || (errno != ENOENT && IsSomething(path)))
             return line;
     }
     return fileOpenDescriptor("/dev/" + name, O_RDWR);

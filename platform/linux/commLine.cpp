@@ -1,5 +1,7 @@
 #include "platform/linux/commLine.h"
 
+#include "platform/commRate.h"
+
 #include <cerrno>
 
 #include <asm/termbits.h>
@@ -20,15 +22,6 @@ constexpr uint8_t Parities = 5;
 
 constexpr uint8_t OneAndAHalf = 1;
 constexpr uint8_t Two = 2;
-
-// A driver may take the nearest rate that its clock has. A receiver bears an error of three per cent.
-constexpr unsigned RateTolerance = 32;
-
-bool IsNear(uint32_t asked, uint32_t taken)
-{
-    const uint32_t distance = asked > taken ? asked - taken : taken - asked;
-    return distance <= asked / RateTolerance;
-}
 
 // One and a half stop bits exist with five data bits alone, where they are the system's longer form.
 bool CanBe(const commControl& control)
@@ -147,7 +140,7 @@ bool commLineSet(int descriptor, const commControl& control, uint32_t& flags)
         SetLevel(descriptor, TIOCM_RTS,
                  (control.Flags & (commFlag::RTSEnable | commFlag::RTSHandshake)) != 0);
     flags = FlagsIn(line) | (control.Flags & (commFlag::DTREnable | commFlag::RTSEnable));
-    return IsNear(control.BaudRate, line.c_ospeed);
+    return commRateIsNear(control.BaudRate, line.c_ospeed);
 }
 
 void commLineFlush(int descriptor, bool unsentToo)

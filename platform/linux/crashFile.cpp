@@ -38,6 +38,13 @@ public:
         Target[0] = '\0';
     }
 
+    // The root alone keeps its own.
+    void DropSeparators()
+    {
+        while (Length > 1 && Target[Length - 1] == crashSeparator())
+            Target[--Length] = '\0';
+    }
+
     size_t Taken() const { return Full ? 0 : Length; }
 
 private:
@@ -139,6 +146,7 @@ size_t crashDocuments(char* target, size_t room)
         path.Clear();
         path.Add(Variable("HOME"));
     }
+    path.DropSeparators();
     return path.Taken();
 }
 

@@ -34,20 +34,6 @@ bool RenameByLink(const std::string& from, const std::string& to)
     return false;
 }
 
-bool WriteWhole(int descriptor, const char* bytes, size_t count)
-{
-    while (count > 0) {
-        const ssize_t put = write(descriptor, bytes, count);
-        if (put < 0 && errno == EINTR)
-            continue;
-        if (put <= 0)
-            return false;
-        bytes += put;
-        count -= static_cast<size_t>(put);
-    }
-    return true;
-}
-
 bool CopyBytes(int descriptor, int source)
 {
     std::array<char, 65536> part;
@@ -59,7 +45,7 @@ bool CopyBytes(int descriptor, int source)
             continue;
         if (got <= 0)
             return got == 0;
-        if (!WriteWhole(descriptor, part.data(), static_cast<size_t>(got)))
+        if (!fileWriteAll(descriptor, part.data(), static_cast<size_t>(got)))
             return false;
     }
 }

@@ -103,6 +103,20 @@ fileStatus fileStatusOf(int error)
     }
 }
 
+bool fileWriteAll(int descriptor, const char* bytes, size_t count)
+{
+    while (count > 0) {
+        const ssize_t put = write(descriptor, bytes, count);
+        if (put < 0 && errno == EINTR)
+            continue;
+        if (put <= 0)
+            return false;
+        bytes += put;
+        count -= static_cast<size_t>(put);
+    }
+    return true;
+}
+
 bool fileIsNamed(int descriptor, const std::string& path)
 {
     struct stat opened = {};

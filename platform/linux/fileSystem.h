@@ -45,6 +45,9 @@ std::string fileFolderOf(const std::string& path);
 
 fileStatus fileStatusOf(int error);
 
+// Writes all bytes where the file stands, or gives false with `errno`.
+bool fileWriteAll(int descriptor, const char* bytes, size_t count);
+
 // Whether the path leads to this very file at this moment.
 bool fileIsNamed(int descriptor, const std::string& path);
 

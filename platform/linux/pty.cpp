@@ -1,6 +1,9 @@
 #include "platform/pty.h"
 
+#include "platform/linux/fileSystem.h"
+
 #include <array>
+#include <climits>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
@@ -16,33 +19,11 @@
 namespace {
 
 constexpr std::string_view Prefix = "tty";
+constexpr std::string_view LockEnding = ".lock";
 constexpr unsigned FirstRate = 9600;
 
-// A descriptor that is closed with its owner.
-class descriptor
-{
-public:
-    explicit descriptor(int number = -1) : Number(number) {}
-    descriptor(descriptor&& other) noexcept : Number(other.Number) { other.Number = -1; }
-    descriptor& operator=(descriptor&& other) noexcept
-    {
-        std::swap(Number, other.Number);
-        return *this;
-    }
-    descriptor(const descriptor&) = delete;
-    descriptor& operator=(const descriptor&) = delete;
-    ~descriptor()
-    {
-        if (Number >= 0)
-            close(Number);
-    }
-
-    bool Good() const { return Number >= 0; }
-    int Get() const { return Number; }
-
-private:
-    int Number;
-};
+// What is left of a file's name when a point goes before it and an ending behind.
+constexpr size_t LongestName = NAME_MAX - 1 - LockEnding.size();
 
 // Raw, at the first rate: until a host sets the line, no byte means anything to it and none is sent back.
 bool MakeRaw(int slave)
@@ -81,19 +62,20 @@ std::filesystem::path Folder()
 
 bool IsName(std::string_view name)
 {
-    return name.starts_with(Prefix) && name.find('/') == std::string_view::npos &&
-           name.find('\0') == std::string_view::npos;
+    constexpr std::string_view Separators("/\\\0", 3);
+    return name.starts_with(Prefix) && name.size() <= LongestName &&
+           name.find_first_of(Separators) == std::string_view::npos;
 }
 
 // A file beside the link that says by its lock that the link's owner lives. It stays when the port goes: a
 // lock on a file that others may remove would guard nothing.
-descriptor Lock(const std::filesystem::path& folder, std::string_view name)
+fileDescriptor Lock(const std::filesystem::path& folder, std::string_view name)
 {
-    const std::filesystem::path file = folder / ("." + std::string(name) + ".lock");
+    const std::filesystem::path file = folder / ("." + std::string(name).append(LockEnding));
     constexpr mode_t Mode = 0600;
-    descriptor lock(open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, Mode));
-    if (lock.Good() && flock(lock.Get(), LOCK_EX | LOCK_NB) != 0)
-        return descriptor();
+    fileDescriptor lock = fileOpenDescriptor(file, O_RDWR | O_CREAT, Mode);
+    if (lock.IsOpen() && flock(lock.Get(), LOCK_EX | LOCK_NB) != 0)
+        return fileDescriptor();
     return lock;
 }
 
@@ -116,10 +98,10 @@ bool PutLink(const std::filesystem::path& link, const std::string& target)
 }  // namespace
 
 struct ptyPort {
-    descriptor LockFile;
-    descriptor Master;
+    fileDescriptor LockFile;
+    fileDescriptor Master;
     // Held open so that the device sees no hang-up between one host and the next.
-    descriptor Slave;
+    fileDescriptor Slave;
     std::string Target;
     std::filesystem::path Link;
 };
@@ -142,15 +124,15 @@ ptyPort* ptyOpen(std::string_view name, ptyFault& fault)
     if (folder.empty())
         return failed(ptyFault::NoFolder);
     port->LockFile = Lock(folder, name);
-    if (!port->LockFile.Good())
+    if (!port->LockFile.IsOpen())
         return failed(access(folder.c_str(), W_OK) == 0 ? ptyFault::Taken : ptyFault::NoFolder);
-    port->Master = descriptor(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
+    port->Master = fileDescriptor(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
     const int master = port->Master.Get();
-    if (!port->Master.Good() || grantpt(master) != 0 || unlockpt(master) != 0)
+    if (!port->Master.IsOpen() || grantpt(master) != 0 || unlockpt(master) != 0)
         return failed(ptyFault::System);
     port->Target = SlaveName(master);
-    port->Slave = descriptor(open(port->Target.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
-    if (!port->Slave.Good() || !MakeRaw(port->Slave.Get()))
+    port->Slave = fileOpenDescriptor(port->Target, O_RDWR);
+    if (!port->Slave.IsOpen() || !MakeRaw(port->Slave.Get()))
         return failed(ptyFault::System);
     if (!PutLink(folder / name, port->Target))
         return failed(ptyFault::Taken);

@@ -1,6 +1,7 @@
 #include "platform/registry.h"
 
 #include "platform/linux/registryStore.h"
+#include "platform/linux/registryWords.h"
 
 #include <cstring>
 #include <memory>

@@ -70,18 +70,9 @@ std::optional<registryText> ReadContent(const std::string& path)
     return registryText(std::move(bytes));
 }
 
-bool WriteAll(const fileDescriptor& file, const std::string& bytes)
+bool WriteThrough(const fileDescriptor& file, const std::string& bytes)
 {
-    size_t done = 0;
-    while (done < bytes.size()) {
-        const ssize_t put = write(file.Get(), bytes.data() + done, bytes.size() - done);
-        if (put < 0 && errno == EINTR)
-            continue;
-        if (put <= 0)
-            return false;
-        done += static_cast<size_t>(put);
-    }
-    return fsync(file.Get()) == 0;
+    return fileWriteAll(file.Get(), bytes.data(), bytes.size()) && fsync(file.Get()) == 0;
 }
 
 // Gives a new file the owner and the rights of the one it replaces.
@@ -119,7 +110,7 @@ bool Replace(const std::string& path, const std::string& bytes)
     const fileDescriptor file = fileOpenDescriptor(made, O_WRONLY | O_CREAT | O_EXCL, PrivateFile);
     if (!file.IsOpen())
         return false;
-    if (!WriteAll(file, bytes) || !TakeRights(file, path) || rename(made.c_str(), path.c_str()) != 0) {
+    if (!WriteThrough(file, bytes) || !TakeRights(file, path) || rename(made.c_str(), path.c_str()) != 0) {
         unlink(made.c_str());
         return false;
     }

@@ -1,5 +1,7 @@
 #include "platform/linux/registryText.h"
 
+#include "platform/linux/registryWords.h"
+
 #include <algorithm>
 
 namespace {

@@ -6,9 +6,6 @@
 //     binary 01 02 ff            any bytes
 //     raw 7 41 00                the type's number and the bytes, for everything that the other forms would
 //     change
-//
-// Within quotes, \\ \" \n \r \t stand for what they usually do, and \x with two digits for another control
-// character.
 #pragma once
 
 #include "platform/registry.h"
@@ -27,14 +24,3 @@ std::string registryFormat(const registryValue& value);
 
 // Nothing for what is no value.
 std::optional<registryValue> registryParse(std::string_view text);
-
-// Whether all of a text is well-formed UTF-8 without a NUL.
-bool registryIsUTF8(std::string_view text);
-
-std::string registryQuote(std::string_view text);
-
-// Takes a quoted text and the blanks behind it off the front of `text`; nothing when there is none.
-std::optional<std::string> registryUnquote(std::string_view& text);
-
-// The text without blanks at its ends.
-std::string_view registryTrim(std::string_view text);

@@ -14,9 +14,29 @@ std::atomic<bool> Asked{false};
 std::atomic<bool> Watching{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler takes no locks");
 
+void OnSignal(int);
+
+bool IsWatched(int number)
+{
+    struct sigaction action = {};
+    return sigaction(number, nullptr, &action) == 0 && action.sa_handler == OnSignal;
+}
+
+// The next one, of whatever kind, finds the system's own handler, which ends a program that does not listen.
 void OnSignal(int)
 {
     Asked.store(true);
+    for (const int number : Signals) {
+        if (IsWatched(number))
+            signal(number, SIG_DFL);
+    }
+}
+
+// A program that is to outlive its terminal is started so that the end of that asks nothing of it.
+bool IsToOutliveTheTerminal()
+{
+    struct sigaction action = {};
+    return sigaction(SIGHUP, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
 }  // namespace
@@ -28,11 +48,13 @@ void stopWatch()
         return;
     struct sigaction action = {};
     action.sa_handler = OnSignal;
-    // The second signal of a kind finds the system's own handler, which ends a program that does not listen.
     action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
     sigemptyset(&action.sa_mask);
-    for (const int number : Signals)
-        sigaction(number, &action, nullptr);
+    const bool outlivesTerminal = IsToOutliveTheTerminal();
+    for (const int number : Signals) {
+        if (number != SIGHUP || !outlivesTerminal)
+            sigaction(number, &action, nullptr);
+    }
 }
 
 bool stopAsked()

@@ -1,5 +1,6 @@
 #include "platform/comm.h"
 
+#include "platform/commRate.h"
 #include "platform/handleTable.h"
 #include "platform/win32/systemHandle.h"
 #include "platform/win32/text.h"
@@ -49,14 +50,6 @@ bool canBe(const commControl& control)
 {
     return control.BaudRate > 0 && control.DataBits >= 5 && control.DataBits <= 8 &&
            control.Parity <= SPACEPARITY && control.StopBits <= TWOSTOPBITS;
-}
-
-// A driver may take the nearest rate that its clock has. A receiver bears an error of three per cent.
-bool isNear(uint32_t asked, uint32_t taken)
-{
-    constexpr uint32_t Tolerance = 32;
-    const uint32_t distance = asked > taken ? asked - taken : taken - asked;
-    return distance <= asked / Tolerance;
 }
 
 bool readState(HANDLE file, DCB& block)
@@ -167,7 +160,7 @@ bool commSetControl(commHandle handle, const commControl& control)
     setFlags(block, control.Flags);
     // Some drivers take any rate without a word and leave out what they cannot do.
     return SetCommState(port->File.Get(), &block) != FALSE && readState(port->File.Get(), block) &&
-           isNear(control.BaudRate, block.BaudRate);
+           commRateIsNear(control.BaudRate, block.BaudRate);
 }
 
 bool commQueueLimits(commHandle handle, commQueue& limits)

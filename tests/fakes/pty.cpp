@@ -47,7 +47,7 @@ ptyPort* ptyOpen(std::string_view name, ptyFault& fault)
 {
     const std::string known(name);
     const bool scripted = fakes::enter("ptyOpen", known).Scripted;
-    if (!name.starts_with("tty") || name.find('/') != std::string_view::npos)
+    if (!name.starts_with("tty") || name.find_first_of("/\\") != std::string_view::npos)
         fault = ptyFault::Name;
     else if (scripted)
         fault = ptyFault::System;

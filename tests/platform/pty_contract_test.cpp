@@ -176,7 +176,7 @@ TEST_F(ptyContract, IsMadeOnceUnderOneName)
 
 TEST_F(ptyContract, RefusesNamesThatAreNoneOfAPort)
 {
-    for (const char* const name : {"", "COM1", "sky", "tty/../x", "/dev/ttyS0"}) {
+    for (const char* const name : {"", "COM1", "sky", "tty/../x", "/dev/ttyS0", "tty\\x"}) {
         ptyFault fault = ptyFault::None;
         EXPECT_EQ(ptyOpen(name, fault), nullptr) << name;
         EXPECT_EQ(fault, ptyFault::Name) << name;

@@ -18,7 +18,25 @@ using threadContract = contractTest;
 struct waiting {
     std::mutex Mutex;
     std::condition_variable Condition;
+    std::atomic<bool> Holds{false};
     bool Told = false;
+
+    void UntilTold(int64_t deadline)
+    {
+        std::unique_lock lock(Mutex);
+        Holds = true;
+        while (!Told)
+            threadWaitUntil(Condition, lock, deadline);
+    }
+
+    // To one that waits already: until then it holds the lock.
+    void Tell()
+    {
+        ASSERT_TRUE(contractAwait([this] { return Holds.load(); }));
+        const std::lock_guard lock(Mutex);
+        Told = true;
+        Condition.notify_all();
+    }
 };
 
 TEST_F(threadContract, SleepsAtLeastAsLongAsAsked)
@@ -57,41 +75,18 @@ TEST_F(threadContract, WaitsUntilTheDeadlineOfTheClock)
     EXPECT_GE(clockSteadyNs(), deadline);
 }
 
-TEST_F(threadContract, WakesWhenNotifiedLongBeforeTheDeadline)
+// Had the waiter kept the lock, telling it would last for ever.
+TEST_F(threadContract, GivesUpTheLockWhileItWaitsAndWakesLongBeforeTheDeadline)
 {
     waiting state;
     std::atomic<bool> ended{false};
     const int64_t deadline = clockSteadyNs() + 3'600'000 * Millisecond;
     std::jthread waiter([&] {
-        std::unique_lock lock(state.Mutex);
-        while (!state.Told)
-            threadWaitUntil(state.Condition, lock, deadline);
+        state.UntilTold(deadline);
         ended = true;
     });
-    {
-        const std::lock_guard lock(state.Mutex);
-        state.Told = true;
-    }
-    state.Condition.notify_all();
+    state.Tell();
     EXPECT_TRUE(contractAwait([&] { return ended.load(); }));
-}
-
-TEST_F(threadContract, GivesUpTheLockWhileItWaits)
-{
-    waiting state;
-    std::atomic<bool> holds{false};
-    const int64_t deadline = clockSteadyNs() + 3'600'000 * Millisecond;
-    std::jthread waiter([&] {
-        std::unique_lock lock(state.Mutex);
-        holds = true;
-        while (!state.Told)
-            threadWaitUntil(state.Condition, lock, deadline);
-    });
-    ASSERT_TRUE(contractAwait([&] { return holds.load(); }));
-    // Had the waiter kept the lock, this would last for ever.
-    const std::lock_guard lock(state.Mutex);
-    state.Told = true;
-    state.Condition.notify_all();
 }
 
 TEST_F(threadContract, DoesNotWaitForADeadlineThatIsOver)
@@ -110,16 +105,10 @@ TEST_F(threadContract, WaitsForNotificationAloneWithTheLastDeadlineOfAll)
     waiting state;
     std::atomic<bool> ended{false};
     std::jthread waiter([&] {
-        std::unique_lock lock(state.Mutex);
-        while (!state.Told)
-            threadWaitUntil(state.Condition, lock, INT64_MAX);
+        state.UntilTold(INT64_MAX);
         ended = true;
     });
-    {
-        const std::lock_guard lock(state.Mutex);
-        state.Told = true;
-    }
-    state.Condition.notify_all();
+    state.Tell();
     EXPECT_TRUE(contractAwait([&] { return ended.load(); }));
 }
 

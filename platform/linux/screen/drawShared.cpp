@@ -41,12 +41,19 @@ size_t mostBytes(xcb_connection_t* connection)
     return size_t{xcb_get_maximum_request_length(connection)} * 4 - RequestHead;
 }
 
+bool Attaches(xcb_connection_t* connection, uint32_t segment, uint32_t memory)
+{
+    xcb_generic_error_t* const refused =
+        xcb_request_check(connection, xcb_shm_attach_checked(connection, segment, memory, true));
+    std::free(refused);
+    return refused == nullptr;
+}
+
 }  // namespace
 
-std::unique_ptr<drawShared> drawShared::Make(windowId window, const windowSurface& surface, uint32_t width,
-                                             uint32_t height)
+std::unique_ptr<drawShared> drawShared::Make(const windowSurface& surface, uint32_t width, uint32_t height)
 {
-    std::unique_ptr<drawShared> made(new drawShared(window, surface));
+    std::unique_ptr<drawShared> made(new drawShared(surface));
     const int columns = static_cast<int>(std::max(width, 1u));
     const int rows = static_cast<int>(std::max(height, 1u));
     made->IsDirect = storesPixelsAsWeDo(surface);
@@ -62,11 +69,13 @@ std::unique_ptr<drawShared> drawShared::Make(windowId window, const windowSurfac
 
 drawShared::~drawShared()
 {
-    if (IsConnected()) {
+    // The window system may have closed the connection in the meantime.
+    if (Context != 0 && !System.Connected.expired()) {
         Await();
         if (Segment != 0)
             xcb_shm_detach(System.Connection, Segment);
         xcb_free_gc(System.Connection, Context);
+        xcb_flush(System.Connection);
     }
     Surface_.reset();
     if (Memory != nullptr)
@@ -83,10 +92,7 @@ bool drawShared::Share(int width, int height)
     void* memory = shmat(id, nullptr, 0);
     const bool hasMemory = memory != reinterpret_cast<void*>(-1);
     const uint32_t segment = xcb_generate_id(System.Connection);
-    const bool isShared =
-        hasMemory && xcb_request_check(System.Connection,
-                                       xcb_shm_attach_checked(System.Connection, segment,
-                                                              static_cast<uint32_t>(id), true)) == nullptr;
+    const bool isShared = hasMemory && Attaches(System.Connection, segment, static_cast<uint32_t>(id));
     // It goes with the last who uses it, also when this program is killed.
     shmctl(id, IPC_RMID, nullptr);
     if (!isShared) {
@@ -172,11 +178,4 @@ void drawShared::Await()
         return;
     IsReading = false;
     std::free(xcb_get_input_focus_reply(System.Connection, {Reading}, nullptr));
-}
-
-// The window system may have closed the connection in the meantime.
-bool drawShared::IsConnected() const
-{
-    windowSurface now;
-    return windowSurfaceOf(Window, now) && now.Connection == System.Connection;
 }

@@ -8,8 +8,7 @@ class drawShared
 {
 public:
     // Null when memory fails. A size of 0 counts as 1.
-    static std::unique_ptr<drawShared> Make(windowId window, const windowSurface& surface, uint32_t width,
-                                            uint32_t height);
+    static std::unique_ptr<drawShared> Make(const windowSurface& surface, uint32_t width, uint32_t height);
     ~drawShared();
     drawShared(const drawShared&) = delete;
     drawShared& operator=(const drawShared&) = delete;
@@ -25,14 +24,12 @@ public:
     void Await();
 
 private:
-    drawShared(windowId window, const windowSurface& surface) : Window(window), System(surface) {}
+    explicit drawShared(const windowSurface& surface) : System(surface) {}
 
     bool Share(int width, int height);
     void ShowSent(const cairo_rectangle_int_t& part);
     void ShowConverted(const cairo_rectangle_int_t& part);
-    bool IsConnected() const;
 
-    windowId Window;
     windowSurface System;
     cairoOwned<cairo_surface_t> Surface_;
     uint32_t Context = 0;  // the server's graphics context

@@ -144,7 +144,7 @@ std::unique_ptr<drawTarget> drawMakeWindowTarget(windowId window, uint32_t width
         error = ENXIO;
         return nullptr;
     }
-    std::unique_ptr<drawShared> pixels = drawShared::Make(window, surface, width, height);
+    std::unique_ptr<drawShared> pixels = drawShared::Make(surface, width, height);
     if (!pixels) {
         error = ENOMEM;
         return nullptr;

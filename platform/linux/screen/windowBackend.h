@@ -1,6 +1,13 @@
-// The windows of this system. One class, in several files: windowSystem (making and ending), windowPump (the
-// queue), windowEvents (the display's events become messages), windowInput (who gets them), windowPlace,
-// windowShow, windowFocus and windowMouse (what a program asks for), windowActual (what became of it).
+// The windows of this system. One class, in several files:
+//
+//     windowSystem                                         making and ending
+//     windowDescribe                                       what others are told of a window
+//     windowPump, windowPaint                              the queue, and the message that comes last
+//     windowEvents, windowUser, windowGestures             the display's events become messages
+//     windowInput                                          who gets them
+//     windowPlace, windowShow, windowOrder, windowFocus    what a program asks for
+//     windowMouse, windowClipboardText, windowAlert        the same
+//     windowActual                                         what became of it
 //
 // What the receiver is told may end any window, so a record is looked up anew behind every Tell.
 #pragma once

@@ -57,6 +57,7 @@ public:
     xcb_screen_t* Screen = nullptr;
     xcb_visualtype_t* Visual = nullptr;
     bool Shm = false;
+    const std::shared_ptr<const void> Life = std::make_shared<char>();  // as long as this is
 
 private:
     void FindVisual();

@@ -114,9 +114,8 @@ bool isKeypad(xkb_keysym_t symbol)
     return symbol >= XKB_KEY_KP_Space && symbol <= XKB_KEY_KP_9;
 }
 
-}  // namespace
-
-uint32_t windowKeyOfSymbol(xkb_keysym_t symbol)
+// 0 when the symbol alone does not tell.
+uint32_t keyOfSymbol(xkb_keysym_t symbol)
 {
     if (symbol >= XKB_KEY_a && symbol <= XKB_KEY_z)
         return symbol - XKB_KEY_a + 'A';
@@ -132,16 +131,18 @@ uint32_t windowKeyOfSymbol(xkb_keysym_t symbol)
     return row == std::end(Symbols) ? 0 : row->Key;
 }
 
+}  // namespace
+
 uint32_t windowKeyOf(std::span<const xkb_keysym_t> symbols, xkb_keysym_t current, uint32_t code)
 {
     const xkb_keysym_t plain = symbols.empty() ? xkb_keysym_t{XKB_KEY_NoSymbol} : symbols.front();
     // The keypad is two keyboards in one, and its lock says which.
     if (isKeypad(plain) && isKeypad(current))
-        return std::max(windowKeyOfSymbol(current), windowKeyOfSymbol(plain));
+        return std::max(keyOfSymbol(current), keyOfSymbol(plain));
     // A digit that needs the shift key still names its key.
     if (const uint32_t digit = digitAmong(symbols); digit != 0)
         return digit;
-    if (const uint32_t key = windowKeyOfSymbol(plain); key != 0)
+    if (const uint32_t key = keyOfSymbol(plain); key != 0)
         return key;
     if (const uint32_t key = keyOfPlace(code); key != 0)
         return key;

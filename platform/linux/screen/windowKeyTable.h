@@ -9,9 +9,6 @@
 // Keys without a number of their own.
 constexpr uint32_t keyUnknown = 255;
 
-// Of a symbol that stands on a key; 0 when the symbol alone does not tell.
-uint32_t windowKeyOfSymbol(xkb_keysym_t symbol);
-
 // `symbols` are those that the key makes in the present layout, from the plain one up; `current` is the one
 // that it makes now. A layout without Latin letters has the numbers that the keys have where it has them, by
 // their place (`code`, as the kernel counts). Never 0.

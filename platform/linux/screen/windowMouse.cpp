@@ -90,43 +90,6 @@ void windowBackend::DestroyCursor(cursorId cursor)
         Cursors.Destroy(static_cast<xcb_cursor_t>(cursor));
 }
 
-iconId windowBackend::ProgramIcon()
-{
-    return 0;
-}
-
-iconId windowBackend::MakeIcon(const windowIconShape& shape)
-{
-    if (!shape.IsValid())
-        return 0;
-    Icons[++LastIcon] = shape;
-    return LastIcon;
-}
-
-void windowBackend::DestroyIcon(iconId icon)
-{
-    Icons.erase(icon);
-}
-
-void windowBackend::SetIcon(windowId window, iconId icon)
-{
-    const windowRecord* const record = Find(window);
-    if (record == nullptr)
-        return;
-    const auto found = Icons.find(icon);
-    if (found == Icons.end()) {
-        xcb_delete_property(Display.Connection, record->Window, Display.Atom(atomNetIcon));
-    } else {
-        const windowIconShape& shape = found->second;
-        std::vector<uint32_t> words = {shape.Width, shape.Height};
-        words.insert(words.end(), shape.Pixels.begin(), shape.Pixels.end());
-        xcb_change_property(Display.Connection, XCB_PROP_MODE_REPLACE, record->Window,
-                            Display.Atom(atomNetIcon), XCB_ATOM_CARDINAL, 32,
-                            static_cast<uint32_t>(words.size()), words.data());
-    }
-    xcb_flush(Display.Connection);
-}
-
 void windowBackend::SetCursor(cursorId cursor)
 {
     Cursor = static_cast<xcb_cursor_t>(cursor);

@@ -6,13 +6,15 @@
 #include <xcb/xcb.h>
 
 #include <cstdint>
+#include <memory>
 
 struct windowSurface {
     xcb_connection_t* Connection = nullptr;
     xcb_window_t Window = 0;
     xcb_visualtype_t* Visual = nullptr;
     uint8_t Depth = 0;
-    bool Shm = false;  // the server can read this program's shared memory
+    bool Shm = false;                     // the server can read this program's shared memory
+    std::weak_ptr<const void> Connected;  // expires with the connection, which may outlive the window
 };
 
 // False when there is no such window. What it gives holds as long as the window lives.

@@ -1,12 +1,8 @@
 #include "platform/linux/screen/windowBackend.h"
-#include "platform/linux/screen/windowHints.h"
 #include "platform/linux/screen/windowMonitors.h"
 
 #include <algorithm>
 #include <atomic>
-
-#include <unistd.h>
-#include <xcb/xinput.h>
 
 namespace {
 
@@ -49,7 +45,8 @@ bool windowSurfaceOf(windowId window, windowSurface& surface)
     if (record == nullptr)
         return false;
     const windowDisplay& display = owner->Screen();
-    surface = {display.Connection, record->Window, display.Visual, display.Screen->root_depth, display.Shm};
+    surface = {display.Connection,         record->Window, display.Visual,
+               display.Screen->root_depth, display.Shm,    display.Life};
     return true;
 }
 
@@ -79,6 +76,7 @@ windowBackend::~windowBackend()
     Queue.Close();
     if (!Display.IsOpen())
         return;
+    EndGrab();
     for (const auto& entry : Records)
         xcb_destroy_window(Display.Connection, entry.second->Window);
     // Closing the connection would leave them on the screen for a moment.
@@ -137,22 +135,6 @@ bool windowBackend::Open(uint32_t& error)
     return true;
 }
 
-void windowBackend::OpenTouch()
-{
-    constexpr uint16_t major = 2;
-    constexpr uint16_t minor = 2;
-    const xcb_query_extension_reply_t* const extension =
-        xcb_get_extension_data(Display.Connection, &xcb_input_id);
-    if (extension == nullptr || extension->present == 0)
-        return;
-    const xcbReply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
-        Display.Connection, xcb_input_xi_query_version(Display.Connection, major, minor), nullptr));
-    const bool hasTouch = version && (version->major_version > major ||
-                                      (version->major_version == major && version->minor_version >= minor));
-    if (hasTouch)
-        InputOpcode = extension->major_opcode;
-}
-
 void windowBackend::MakeWindow(windowRecord& record)
 {
     record.Window = xcb_generate_id(Display.Connection);
@@ -163,39 +145,6 @@ void windowBackend::MakeWindow(windowRecord& record)
                       1, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, Display.Screen->root_visual,
                       XCB_CW_BACK_PIXMAP | XCB_CW_BIT_GRAVITY | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK,
                       values);
-}
-
-void windowBackend::DescribeWindow(const windowRecord& record)
-{
-    constexpr uint32_t inputHint = 1;
-    const bool isDialog = record.Owner != 0 && !record.IsMenu;
-    const bool isTool = (record.StyleExtended & styleTool) != 0;
-    const windowAtom type = record.IsMenu ? atomNetTypePopup
-                            : isTool      ? atomNetTypeUtility
-                            : isDialog    ? atomNetTypeDialog
-                                          : atomNetTypeNormal;
-    const uint32_t types[] = {Display.Atom(type)};
-    Display.SetWords(record.Window, Display.Atom(atomNetType), XCB_ATOM_ATOM, types);
-    const uint32_t protocols[] = {Display.Atom(atomDeleteWindow), Display.Atom(atomPing)};
-    Display.SetWords(record.Window, Display.Atom(atomProtocols), XCB_ATOM_ATOM, protocols);
-    const uint32_t process[] = {static_cast<uint32_t>(getpid())};
-    Display.SetWords(record.Window, Display.Atom(atomNetPid), XCB_ATOM_CARDINAL, process);
-    const uint32_t hints[] = {inputHint, 1, 0, 0, 0, 0, 0, 0, 0};
-    Display.SetWords(record.Window, XCB_ATOM_WM_HINTS, XCB_ATOM_WM_HINTS, hints);
-
-    char host[256] = {};
-    if (gethostname(host, sizeof host - 1) == 0)
-        Display.SetText(record.Window, XCB_ATOM_WM_CLIENT_MACHINE, XCB_ATOM_STRING, host);
-    // Two texts with their ends: this window's name and the program's.
-    const std::string names = ClassName + '\0' + ClassName + '\0';
-    Display.SetText(record.Window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, names);
-
-    if (windowRecord* const owner = ManagedOf(Find(record.Owner))) {
-        const uint32_t transient[] = {owner->Window};
-        Display.SetWords(record.Window, XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, transient);
-    }
-    Display.SetWords(record.Window, Display.Atom(atomMotifHints), Display.Atom(atomMotifHints),
-                     windowHintsOfFrame(record.Style));
 }
 
 void windowBackend::Destroy(windowId window)
@@ -278,52 +227,4 @@ void windowBackend::SetObject(windowId window, void* object)
 {
     if (windowRecord* const record = Find(window))
         record->Object = object;
-}
-
-uint32_t windowBackend::Style(windowId window)
-{
-    const windowRecord* const record = Find(window);
-    return record == nullptr ? 0 : record->Style;
-}
-
-void windowBackend::SetStyle(windowId window, uint32_t style)
-{
-    windowRecord* const record = Find(window);
-    if (record == nullptr || record->Style == style)
-        return;
-    record->Style = style;
-    SetSizeHints(*record);
-    Display.SetWords(record->Window, Display.Atom(atomMotifHints), Display.Atom(atomMotifHints),
-                     windowHintsOfFrame(style));
-    xcb_flush(Display.Connection);
-}
-
-void windowBackend::SetSizeRange(windowId window, const windowExtent& least, const windowExtent& most)
-{
-    windowRecord* const record = Find(window);
-    if (record == nullptr)
-        return;
-    record->Least = least;
-    record->Most = most;
-    SetSizeHints(*record);
-    xcb_flush(Display.Connection);
-}
-
-void windowBackend::SetTitle(windowId window, std::string_view title)
-{
-    const windowRecord* const record = Find(window);
-    if (record == nullptr)
-        return;
-    const xcb_atom_t utf8 = Display.Atom(atomUtf8);
-    Display.SetText(record->Window, Display.Atom(atomNetName), utf8, title);
-    Display.SetText(record->Window, Display.Atom(atomNetIconName), utf8, title);
-    // For window managers that know no other.
-    Display.SetText(record->Window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, windowTextToLatin(title));
-    xcb_flush(Display.Connection);
-}
-
-// Frames are the window manager's.
-windowEdges windowBackend::FrameOf(windowId /*window*/, const windowEdges& client, uint32_t /*dpi*/)
-{
-    return client;
 }

@@ -71,6 +71,15 @@ TEST_F(linuxComm, OpensNoDeviceInPlaceOfALinkThatIsNoGood)
     EXPECT_EQ(commOpen("ptmx"), commNone);
 }
 
+TEST(linuxCommLink, HidesNoDeviceByAFolderThatCannotBeLookedInto)
+{
+    // As the folder of another person, which the environment may still name.
+    const variableSet runtime("XDG_RUNTIME_DIR", "/dev/null");
+    const commHandle device = commOpen("ptmx");
+    EXPECT_NE(device, commNone);
+    commClose(device);
+}
+
 TEST(linuxCommPlaces, AreTheUsersOwn)
 {
     {

@@ -7,9 +7,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -21,7 +19,6 @@
 #include <fcntl.h>
 #include <pthread.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 using testing::EndsWith;
@@ -72,25 +69,6 @@ public:
     static inline std::atomic<int> Reported{0};
 };
 
-// Sets a variable of the surroundings for as long as it lives.
-class variable
-{
-public:
-    variable(const char* name, const std::string& value) : Name(name)
-    {
-        if (const char* former = std::getenv(name))
-            Former = former;
-        setenv(name, value.c_str(), 1);
-    }
-    ~variable() { setenv(Name, Former.c_str(), 1); }
-    variable(const variable&) = delete;
-    variable& operator=(const variable&) = delete;
-
-private:
-    const char* Name;
-    std::string Former;
-};
-
 std::string Folder()
 {
     return std::filesystem::path(contractFolder()).string();
@@ -101,17 +79,7 @@ void Write(const std::string& path, const std::string& text)
     std::ofstream(path, std::ios::binary) << text;
 }
 
-std::string Documents()
-{
-    char text[crashPathRoom];
-    const size_t length = crashDocuments(text, sizeof text);
-    EXPECT_EQ(length, std::strlen(text));
-    return text;
-}
-
-class crashLinux : public contractTest
-{
-};
+using crashLinux = contractTest;
 
 std::unique_ptr<crashSnapshot> Snapshot()
 {
@@ -328,105 +296,4 @@ TEST_F(crashLinux, GivesUpOnAThreadThatDoesNotAnswerButAsksOthersAgain)
     EXPECT_TRUE(crashThreadContext(id, context));
     end = true;
     good.join();
-}
-
-// --- Documents
-
-TEST_F(crashLinux, DocumentsAreWhereTheDesktopKeepsThem)
-{
-    const variable home("HOME", Folder());
-    const variable configuration("XDG_CONFIG_HOME", Folder() + "/config");
-    std::filesystem::create_directories(Folder() + "/config");
-    std::filesystem::create_directories(Folder() + "/My \"papers\"");
-    std::filesystem::create_directories(Folder() + "/elsewhere");
-    struct row {
-        std::string List, Documents;
-    };
-    const row rows[] = {
-        {"XDG_DOCUMENTS_DIR=\"$HOME/elsewhere\"\n", "/elsewhere"},
-        {"# no\nXDG_MUSIC_DIR=\"$HOME/m\"\n  XDG_DOCUMENTS_DIR=\"$HOME/elsewhere\"", "/elsewhere"},
-        {"XDG_DOCUMENTS_DIR=\"" + Folder() + "/elsewhere\"\n", "/elsewhere"},
-        {"XDG_DOCUMENTS_DIR=\"$HOME/My \\\"papers\\\"\"\n", "/My \"papers\""},
-        {"XDG_DOCUMENTS_DIR=\"$HOME/missing\"\n", ""},
-        {"XDG_DOCUMENTS_DIR=\"relative\"\n", ""},
-        {"#XDG_DOCUMENTS_DIR=\"$HOME/elsewhere\"\n", ""},
-        {"XDG_DOCUMENTS_DIR=\"\n", ""},
-        {"XDG_DOCUMENTS_DIR=\"\"\n", ""},
-        {"", ""},
-    };
-    for (const row& each : rows) {
-        SCOPED_TRACE(each.List);
-        Write(Folder() + "/config/user-dirs.dirs", each.List);
-        EXPECT_EQ(Documents(), Folder() + each.Documents);
-    }
-}
-
-TEST_F(crashLinux, WithoutAListDocumentsAreAtHome)
-{
-    const variable home("HOME", Folder());
-    const variable configuration("XDG_CONFIG_HOME", Folder() + "/nothing");
-    EXPECT_EQ(Documents(), Folder());
-    const variable none("HOME", "");
-    EXPECT_EQ(Documents(), "");
-}
-
-TEST_F(crashLinux, AFolderThatIsTooLongIsNone)
-{
-    const variable configuration("XDG_CONFIG_HOME", "/nowhere");
-    const variable home("HOME", std::string(4094, 'x'));
-    EXPECT_EQ(Documents().size(), 4094u);
-    const variable longer("HOME", std::string(4095, 'x'));
-    char text[crashPathRoom - 1];
-    EXPECT_EQ(crashDocuments(text, sizeof text), 0u);
-}
-
-// --- Surroundings
-
-TEST_F(crashLinux, TellsTheTimeOfTheWorld)
-{
-    using namespace std::chrono;
-    const auto before = floor<seconds>(system_clock::now());
-    const crashTime now = crashNow();
-    const auto after = floor<seconds>(system_clock::now());
-    const auto told = sys_days(year(now.Year) / now.Month / now.Day) + hours(now.Hour) + minutes(now.Minute) +
-                      seconds(now.Second);
-    EXPECT_GE(told, before);
-    EXPECT_LE(told, after);
-}
-
-TEST_F(crashLinux, AReportIsForItsUserAlone)
-{
-    const std::string path = Folder() + "/report.txt";
-    const intptr_t file = crashFileCreate(path.c_str());
-    ASSERT_NE(file, crashNoFile);
-    EXPECT_TRUE(crashFileWrite(file, "bytes", 5));
-    crashFileClose(file);
-    struct stat facts = {};
-    ASSERT_EQ(stat(path.c_str(), &facts), 0);
-    EXPECT_EQ(facts.st_mode & 0777, 0600u);
-    EXPECT_EQ(facts.st_size, 5);
-    char text[16] = {};
-    const intptr_t again = crashFileOpen(path.c_str());
-    EXPECT_EQ(crashFileRead(again, text, sizeof text), 5u);
-    EXPECT_EQ(crashFileRead(again, text, sizeof text), 0u);
-    crashFileClose(again);
-    EXPECT_EQ(crashFileCreate((Folder() + "/missing/report.txt").c_str()), crashNoFile);
-    EXPECT_EQ(crashFileOpen((Folder() + "/missing").c_str()), crashNoFile);
-    EXPECT_FALSE(crashFileWrite(crashNoFile, "x", 1));
-}
-
-TEST_F(crashLinux, FindsAMessageInItsWordsOnlyWhenItIsOne)
-{
-    char caption[] = "Exception report written to file";
-    char other[] = "/usr/bin/skyreckoning";
-    char path[] = "/some/where.txt";
-    char* message[] = {caption, path, nullptr};
-    char* program[] = {other, path, nullptr};
-    const char* found = nullptr;
-    const char* text = nullptr;
-    EXPECT_FALSE(crashMessageOf(2, program, found, text));
-    EXPECT_FALSE(crashMessageOf(1, message, found, text));
-    ASSERT_TRUE(crashMessageOf(2, message, found, text));
-    EXPECT_STREQ(found, caption);
-    EXPECT_STREQ(text, path);
 }

@@ -79,6 +79,17 @@ TEST_F(ptyLinux, HasNoPlaceWithoutARuntimeFolder)
     }
 }
 
+TEST_F(ptyLinux, TakesNoNameThatIsTooLongForAFile)
+{
+    // The name, a point before it and an ending of five behind it make the longest that a folder holds.
+    constexpr size_t Longest = 249;
+    for (const size_t length : {Longest, Longest + 1, size_t{5000}}) {
+        ptyFault fault = ptyFault::System;
+        Port.reset(ptyOpen("tty" + std::string(length - 3, 'x'), fault));
+        EXPECT_EQ(fault, length <= Longest ? ptyFault::None : ptyFault::Name) << length;
+    }
+}
+
 TEST_F(ptyLinux, LosesWhatNobodyReadsAndGoesOn)
 {
     ASSERT_EQ(Open(), ptyFault::None);

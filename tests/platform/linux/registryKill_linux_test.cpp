@@ -81,7 +81,7 @@ protected:
         const std::string before = Configuration.Content();
         processHandle* const child = childStart("WritesUntilItIsKilled", {std::to_string(firstNumber)});
         ASSERT_NE(child, nullptr);
-        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
         while (Configuration.Content() == before && std::chrono::steady_clock::now() < limit)
             threadYield();
         const auto end = std::chrono::steady_clock::now() + delay;

@@ -141,7 +141,7 @@ TEST_F(windowQueue, LetsWhatIsSentOvertakeWhatIsPosted)
     });
     ASSERT_TRUE(await([&] { return starts.load(); }));
     letOthersRun();
-    EXPECT_TRUE(Until([&] { return Carried().size() == Posted + 1; }));
+    EXPECT_TRUE(Until([&] { return Count(Window, msgApp) == Posted + 1; }));
     EXPECT_NE(Carried().back(), Sent);
 }
 
