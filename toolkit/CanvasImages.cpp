@@ -50,8 +50,9 @@ void Canvas::PixmapDraw(const pixmap& image, float x, float y, float width, floa
         converted = image;
         shown = &converted;
     }
+    // By the pixels that there are: a damaged image may tell more of them than can be counted in bytes.
     const size_t count = size_t{shown->Width} * shown->Height;
-    if (count == 0 || shown->Size < count * sizeof(uint32_t))
+    if (count == 0 || !shown->Pixels || count > shown->Size / sizeof(uint32_t))
         return;
     std::vector<uint32_t> pixels(count);
     std::memcpy(pixels.data(), shown->Pixels, count * sizeof(uint32_t));

@@ -4,10 +4,6 @@
 
 namespace {
 
-constexpr uint32_t statePressed = 0x8000;
-constexpr uint32_t stateHot = 0x10000;
-constexpr uint32_t stateInClick = 0x20000;
-
 constexpr uint32_t ownSize = 10;
 
 // A lit face is brighter by ten sevenths, a disabled one darker by six sevenths.
@@ -25,11 +21,6 @@ colour shaded(colour value, bool lit, bool enabled)
 bool canBeChecked(buttonKind kind)
 {
     return kind >= buttonKind::Radio;
-}
-
-bool flips(buttonKind kind)
-{
-    return kind == buttonKind::Toggle || kind == buttonKind::ToggleHeld;
 }
 
 }  // namespace
@@ -126,7 +117,7 @@ void ctrlButton::UncheckOthers()
         if (!other || other == this)
             return;
         other->Checked(false);
-        if (flips(other->Kind_))
+        if (other->Flips())
             other->Click();
         if (!life || !Checked_)
             return;
@@ -135,7 +126,7 @@ void ctrlButton::UncheckOthers()
 
 void ctrlButton::Click()
 {
-    if (StateSet(stateInClick) & stateInClick)
+    if (StateSet(stateButtonInClick) & stateButtonInClick)
         return;
     const ctrlLife life(this);
     // A copy: the handler may replace itself.
@@ -143,20 +134,10 @@ void ctrlButton::Click()
     if (handler)
         handler();
     if (life)
-        StateClear(stateInClick);
+        StateClear(stateButtonInClick);
 }
 
 // --- Looks
-
-bool ctrlButton::IsPressed() const
-{
-    return HasState(statePressed);
-}
-
-bool ctrlButton::IsHot() const
-{
-    return HasState(stateHot);
-}
 
 colour ctrlButton::FaceColour() const
 {
@@ -171,152 +152,4 @@ colour ctrlButton::BackColour() const
 colour ctrlButton::BorderColour() const
 {
     return shaded(FaceColour(), IsHot() != Checked_, IsEnabled());
-}
-
-// --- The mouse
-
-void ctrlButton::MouseEvent(MouseEv event, unsigned keys, int delta)
-{
-    switch (event) {
-    case MouseEv::Move:
-        Point((keys & keysLeft) != 0);
-        return;
-    case MouseEv::LeftDown:
-    case MouseEv::LeftDouble:
-        if (IsHot())
-            Press();
-        return;
-    case MouseEv::LeftUp:
-        Release();
-        return;
-    default:
-        ctrlWindow::MouseEvent(event, keys, delta);
-    }
-}
-
-void ctrlButton::Point(bool held)
-{
-    const auto x = static_cast<uint32_t>(Toolkit().MouseX);
-    const auto y = static_cast<uint32_t>(Toolkit().MouseY);
-    const bool isDeaf = Kind_ == buttonKind::Radio && Checked_;
-    if (x < Width() && y < Height() && !isDeaf) {
-        if (!(StateSet(stateHot) & stateHot))
-            Invalidate(true);
-        const ctrlLife life(this);
-        if (!CaptureHeld())
-            CaptureTake();
-        if (!life)
-            return;
-        Cursor(cursorArrow);
-    } else {
-        if (StateClear(stateHot) & stateHot)
-            Invalidate(true);
-        if (!held)
-            CaptureRelease();
-    }
-    if (held && CaptureHeld())
-        Drag();
-}
-
-void ctrlButton::Drag()
-{
-    const bool hot = IsHot();
-    if (flips(Kind_)) {
-        if (hot && Checked_)
-            StateSet(statePressed);
-        else if (!hot && Checked_ && Kind_ == buttonKind::Toggle)
-            LetGo();
-        Invalidate(true);
-        return;
-    }
-    if (Kind_ == buttonKind::Radio || hot == IsPressed())
-        return;
-    if (hot)
-        StateSet(statePressed);
-    else
-        LetGo();
-    Invalidate(true);
-}
-
-void ctrlButton::Press()
-{
-    switch (Kind_) {
-    case buttonKind::Radio: {
-        if (Checked_)
-            return;
-        const ctrlLife life(this);
-        Checked(true);
-        if (life)
-            Click();
-        return;
-    }
-    case buttonKind::Repeat:
-        if (!IsPressed())
-            Repeat();
-        return;
-    default:
-        if (!(StateSet(statePressed) & statePressed))
-            Invalidate(true);
-    }
-}
-
-void ctrlButton::Repeat()
-{
-    if (OnClick) {
-        const ctrlLife life(this);
-        Click();
-        if (!life)
-            return;
-        Toolkit().TimerTake(
-            FirstDelay, [this, life] { Tick(life); },
-            [life] {
-                if (life)
-                    static_cast<ctrlButton*>(life.Window())->OwnsTimer = false;
-            });
-        OwnsTimer = true;
-    }
-    StateSet(statePressed);
-    Invalidate(true);
-}
-
-// On the timer's thread; the button stops the timer before it goes.
-void ctrlButton::Tick(const ctrlLife& life)
-{
-    Toolkit().Timer.Period = RepeatPeriod.load();
-    if (!IsPressed())
-        return;
-    Toolkit().Post(
-        [life] {
-            auto* button = static_cast<ctrlButton*>(life.Window());
-            // Behind its release a click that was on its way is late.
-            if (button && button->IsPressed())
-                button->Click();
-        },
-        true);
-}
-
-void ctrlButton::Cool()
-{
-    StateClear(stateHot);
-}
-
-bool ctrlButton::LetGo()
-{
-    const bool was = (StateClear(statePressed) & statePressed) != 0;
-    if (was && OwnsTimer)
-        Toolkit().TimerStop();
-    return was;
-}
-
-void ctrlButton::Release()
-{
-    const ctrlLife life(this);
-    CaptureRelease();
-    if (!life || Kind_ == buttonKind::Radio || (flips(Kind_) && !IsHot()) || !LetGo())
-        return;
-    Invalidate(true);
-    if (flips(Kind_))
-        Checked(!Checked_);
-    if (life && Kind_ != buttonKind::Repeat)
-        Click();
 }

@@ -28,6 +28,13 @@ enum class buttonGlyph : uint8_t {
     Cross = 43,
 };
 
+// State bits of buttons.
+enum : uint32_t {
+    stateButtonPressed = 0x8000,
+    stateButtonHot = 0x10000,      // the pointer is over it
+    stateButtonInClick = 0x20000,  // its handler runs
+};
+
 class ctrlButton : public ctrlWindow
 {
 public:
@@ -67,8 +74,9 @@ public:
     std::atomic<uint32_t> RepeatPeriod{0};  // ms between repeats
 
 private:
-    bool IsPressed() const;
-    bool IsHot() const;
+    bool IsPressed() const { return HasState(stateButtonPressed); }
+    bool IsHot() const { return HasState(stateButtonHot); }
+    bool Flips() const { return Kind_ == buttonKind::Toggle || Kind_ == buttonKind::ToggleHeld; }
     colour FaceColour() const;
     colour GlyphShade() const;
 

@@ -210,18 +210,9 @@ void ctrlComboBox::Opened(bool open)
 
 void ctrlComboBox::OpenList()
 {
-    int32_t x = 0;
-    auto y = static_cast<int32_t>(Height());
-    windowArea area;
-    ScreenPoint(x, y, area);
     const auto row = static_cast<uint32_t>(std::ceil(static_cast<float>(RowHeight()) * Scale_));
     const auto rows = static_cast<uint32_t>(std::min(VisibleRows, Rows.size()));
-    const uint32_t height = row * rows + 2 * BorderThickness();
-    if (y + static_cast<int32_t>(height) > area.Bottom)
-        y -= static_cast<int32_t>(Height() + height);
-    const uint32_t followsMonitor = Root()->HasFlag(ctrlPerMonitor) ? ctrlPerMonitor : 0U;
-    auto* list = new ctrlListSel(this, x, y, Width(), height,
-                                 ctrlCaptureKeep | ctrlFloating | ctrlTool | ctrlListPopup | followsMonitor);
+    ctrlListSel* list = ctrlListSel::DropDown(this, row * rows + 2 * BorderThickness());
     List = ctrlLife(list);
     list->StyleClear(styleFocusable);
     list->OnClick = [this, list] { ListBox_OnClick(list); };

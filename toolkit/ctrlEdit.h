@@ -122,7 +122,6 @@ protected:
     void SelectAll();
     void InvalidateUnlessPainting();
     void CaretStore(uint64_t position) { Caret_ = position; }
-    void ScrollSet(int32_t pixels) { Scroll_ = pixels; }
 
     // A character in place of the selected text; false when there is no room.
     bool Insert(uint32_t character);

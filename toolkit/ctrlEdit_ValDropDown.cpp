@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr uint32_t popupFlags = uint32_t{ctrlListPopup} | ctrlTool | ctrlFloating | ctrlCaptureKeep;
 constexpr uint32_t mostRows = 8;
 
 }  // namespace
@@ -20,24 +19,17 @@ void ctrlEdit_Val::DoOnDropDown()
     const uint32_t border = BorderThickness();
     const uint32_t rowHeight = std::max(Height(), 2 * border + 1) - 2 * border;
     const auto rows = static_cast<uint32_t>(std::min<size_t>(Presets_.size(), mostRows));
-    const uint32_t height = rows * rowHeight + 2 * border;
-    int32_t x = 0;
-    auto y = static_cast<int32_t>(Height());
-    windowArea area;
-    const bool isOnScreen = ScreenPoint(x, y, area);
-    // The area's bottom is its last row of pixels.
-    if (isOnScreen && y + static_cast<int32_t>(height) > area.Bottom + 1)
-        y -= static_cast<int32_t>(Height() + height);
-    const uint32_t followsMonitor = Root()->HasFlag(ctrlPerMonitor) ? ctrlPerMonitor : 0U;
-    auto* list = new ctrlListSel(this, x, y, Width(), height, popupFlags | followsMonitor);
+    ctrlListSel* list = ctrlListSel::DropDown(this, rows * rowHeight + 2 * border);
     list->RowHeight(rowHeight);
+    uint64_t selected = ctrlList::None;
     for (size_t row = 0; row < Presets_.size(); ++row) {
         const valueText shown = TextOf(Presets_[row]);
         std::string text = shown.Text;
-        list->Rows.push_back(text << ' ' << shown.Prefix << Unit_);
+        list->RowAdd(text << ' ' << shown.Prefix << Unit_);
         if (!Differs(Presets_[row], Value_))
-            list->Selected = row;
+            selected = row;
     }
+    list->Selected = selected;
     list->OnClick = [life = ctrlLife(this), listLife = ctrlLife(list), this] {
         if (life && listLife)
             DropDownClicked(static_cast<ctrlListSel*>(listLife.Window()));

@@ -187,22 +187,32 @@ void ctrlGrid::SetSelection(const gridSelection& wanted)
     if (!life || taken == Selection)
         return;
     Selection = taken;
-    if (IsInTable(Selection))
-        ShowSelection();
+    ShowSelection();
     if (const auto handler = OnSelection)
         handler();
     if (life)
         Invalidate(true);
 }
 
+bool ctrlGrid::HasSelectedCells() const
+{
+    const thrSpinHold hold(Lock);
+    return IsInTable(Selection);
+}
+
 void ctrlGrid::ShowSelection()
 {
-    if (ScrollH) {
-        const uint64_t hidden = Across().HiddenFor(Selection.FirstColumn, Selection.LastColumn);
-        ScrollH->SetValue(static_cast<double>(hidden));
+    uint64_t across = 0;
+    uint64_t down = 0;
+    {
+        const thrSpinHold hold(Lock);
+        if (!IsInTable(Selection))
+            return;
+        across = Across().HiddenFor(Selection.FirstColumn, Selection.LastColumn);
+        down = Down().HiddenFor(Selection.FirstRow, Selection.LastRow);
     }
-    if (ScrollV) {
-        const uint64_t hidden = Down().HiddenFor(Selection.FirstRow, Selection.LastRow);
-        ScrollV->SetValue(ScrollV->Maximum - static_cast<double>(hidden));
-    }
+    if (ScrollH)
+        ScrollH->SetValue(static_cast<double>(across));
+    if (ScrollV)
+        ScrollV->SetValue(ScrollV->Maximum - static_cast<double>(down));
 }

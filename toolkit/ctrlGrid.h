@@ -78,7 +78,7 @@ public:
 
     ctrlSlider* ScrollH = nullptr;
     ctrlSlider* ScrollV = nullptr;
-    thrSpin Lock;
+    mutable thrSpin Lock;
     std::vector<Column> Columns;
     uint64_t FixedColumns = 0;  // leading ones that never scroll
     uint64_t FixedRows = 0;
@@ -118,9 +118,10 @@ private:
     bool IsFixed(uint64_t row, uint64_t column) const { return row < FixedRows || column < FixedColumns; }
     bool IsSelected(uint64_t row, uint64_t column) const;
 
-    bool IsInTable(const gridSelection& selection) const;
+    bool IsInTable(const gridSelection& selection) const;  // under Lock
+    bool HasSelectedCells() const;
     bool PointerInBox() const;
-    void HitTest(uint64_t& row, uint64_t& column);
+    bool HitTest(uint64_t& row, uint64_t& column) const;
     void Press(MouseEv event);
     void DragTo();
     void Release();

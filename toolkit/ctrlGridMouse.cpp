@@ -40,11 +40,13 @@ bool ctrlGrid::PointerInBox() const
     return rectHas(Box, Toolkit().MouseX, Toolkit().MouseY);
 }
 
-void ctrlGrid::HitTest(uint64_t& row, uint64_t& column)
+// The cell under the pointer; false where there is none.
+bool ctrlGrid::HitTest(uint64_t& row, uint64_t& column) const
 {
     const thrSpinHold hold(Lock);
     row = Down().At(Toolkit().MouseY);
     column = Across().At(Toolkit().MouseX);
+    return PointerInBox() && row < RowHeights.size() && column < Columns.size();
 }
 
 void ctrlGrid::Press(MouseEv event)
@@ -52,8 +54,7 @@ void ctrlGrid::Press(MouseEv event)
     const ctrlLife life(this);
     uint64_t row = 0;
     uint64_t column = 0;
-    HitTest(row, column);
-    const bool hit = PointerInBox() && row < RowHeights.size() && column < Columns.size();
+    const bool hit = HitTest(row, column);
     const bool left = event == MouseEv::LeftDown;
     if (hit && left)
         CaptureTake();
@@ -72,12 +73,11 @@ void ctrlGrid::Press(MouseEv event)
 
 void ctrlGrid::DragTo()
 {
-    if (!CaptureHeld() || !HasStyle(styleGridSelectMany) || OnCellClick || !PointerInBox())
+    if (!CaptureHeld() || !HasStyle(styleGridSelectMany) || OnCellClick)
         return;
     uint64_t row = 0;
     uint64_t column = 0;
-    HitTest(row, column);
-    if (row >= RowHeights.size() || column >= Columns.size())
+    if (!HitTest(row, column))
         return;
     const auto [firstRow, lastRow] = std::minmax({AnchorRow, row});
     const auto [firstColumn, lastColumn] = std::minmax({AnchorColumn, column});
@@ -89,7 +89,7 @@ void ctrlGrid::Release()
     const bool held = CaptureHeld();
     const ctrlLife life(this);
     CaptureRelease();
-    if (life && held && IsInTable(Selection))
+    if (life && held && HasSelectedCells())
         Notify(notifyClick);
 }
 
@@ -97,7 +97,7 @@ void ctrlGrid::DoubleClick()
 {
     const ctrlLife life(this);
     CaptureRelease();
-    if (!life || !IsInTable(Selection))
+    if (!life || !HasSelectedCells())
         return;
     // A copy: the handler may replace itself, or destroy the grid.
     const auto handler = OnDoubleClick;

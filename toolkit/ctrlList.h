@@ -67,6 +67,10 @@ class ctrlListSel : public ctrlList
 public:
     ctrlListSel(ctrlWindow* parent, int32_t x, int32_t y, uint32_t width, uint32_t height, uint32_t flags);
 
+    // A popup of a control, as wide as that and still empty and hidden: below it, or above it where it would
+    // leave the work area. The control owns it.
+    static ctrlListSel* DropDown(ctrlWindow* owner, uint32_t height);
+
     void MouseEvent(MouseEv event, unsigned keys, int delta) override;
     void Paint() override;
 

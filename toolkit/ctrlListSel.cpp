@@ -19,6 +19,20 @@ ctrlListSel::ctrlListSel(ctrlWindow* parent, int32_t x, int32_t y, uint32_t widt
         FontCopy(*parent);
 }
 
+ctrlListSel* ctrlListSel::DropDown(ctrlWindow* owner, uint32_t height)
+{
+    constexpr uint32_t popup = uint32_t{ctrlListPopup} | ctrlTool | ctrlFloating | ctrlCaptureKeep;
+    int32_t x = 0;
+    auto y = static_cast<int32_t>(owner->Height());
+    windowArea area;
+    const bool isOnScreen = owner->ScreenPoint(x, y, area);
+    // The area's bottom is its last row of pixels.
+    if (isOnScreen && y + static_cast<int32_t>(height) > area.Bottom + 1)
+        y -= static_cast<int32_t>(owner->Height() + height);
+    const uint32_t followsMonitor = owner->Root()->HasFlag(ctrlPerMonitor) ? ctrlPerMonitor : 0U;
+    return new ctrlListSel(owner, x, y, owner->Width(), height, popup | followsMonitor);
+}
+
 uint32_t ctrlListSel::Rise() const
 {
     return std::max(RowHeight(), 1U);
@@ -199,6 +213,8 @@ void ctrlListSel::Release()
     if (!(StateClear(statePressed) & statePressed))
         return;
     if (HasStyle(styleListMany) && HasSelected()) {
+        // Who fills Rows by hand does not think of the checks.
+        Checks.resize(std::max(Checks.size(), Rows.size()));
         uint8_t& check = Checks[static_cast<size_t>(Selected)];
         check = check ? 0 : 1;
         if (check)

@@ -120,6 +120,7 @@ void ctrlPage::PlacePage(ctrlWindow* page)
 
 void ctrlPage::Layout()
 {
+    CountPages();
     const ctrlLife life(this);
     for (uint64_t i = 0; life && i < PageCount; ++i)
         PlacePage(Page(i));

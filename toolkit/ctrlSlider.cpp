@@ -8,14 +8,8 @@
 
 namespace {
 
-constexpr uint32_t statePaging = 0x8000;
-constexpr uint32_t stateDragged = 0x10000;
-constexpr uint32_t stateHot = 0x20000;
-
-constexpr int notch = 120;
 constexpr uint32_t arrowDelay = 500;   // ms
 constexpr uint32_t arrowPeriod = 100;  // ms
-constexpr uint32_t pagePeriod = 250;   // ms
 constexpr int32_t leastThumb = 3;      // borders
 constexpr uint32_t besideTrack = 3;    // borders
 
@@ -72,7 +66,7 @@ void ctrlSlider::SetValue(double value)
         return;
     Value = value;
     Invalidate(true);
-    if (HasState(stateDragged))
+    if (HasState(stateSliderDragged))
         Changed();
 }
 
@@ -108,11 +102,6 @@ void ctrlSlider::Changed()
 
 // --- Where things are
 
-int32_t ctrlSlider::Pointer() const
-{
-    return IsHorizontal() ? Toolkit().MouseX : Toolkit().MouseY;
-}
-
 ctrlSlider::span ctrlSlider::Thumb() const
 {
     const auto border = static_cast<int32_t>(BorderWidth_);
@@ -141,151 +130,6 @@ rect ctrlSlider::ThumbBox() const
     const auto border = static_cast<int32_t>(BorderWidth_);
     const auto across = static_cast<int32_t>(IsHorizontal() ? Height() : Width());
     return AlongTrack(Thumb(), border, across - border);
-}
-
-bool ctrlSlider::PointerOnThumb() const
-{
-    return rectHas(ThumbBox(), Toolkit().MouseX, Toolkit().MouseY);
-}
-
-// --- The mouse
-
-void ctrlSlider::MouseEvent(MouseEv event, unsigned keys, int delta)
-{
-    if (!IsEnabled() || Maximum == Minimum) {
-        Release();
-        ctrlWindow::MouseEvent(event, keys, delta);
-        return;
-    }
-    switch (event) {
-    case MouseEv::Move:
-        if ((keys & keysLeft) == 0)
-            Hover();
-        else if (HasState(stateDragged))
-            Drag();
-        return;
-    case MouseEv::LeftDown:
-    case MouseEv::LeftDouble:
-        PressAt();
-        return;
-    case MouseEv::LeftUp:
-        Release();
-        return;
-    case MouseEv::Wheel:
-        Turn(delta);
-        return;
-    default:
-        ctrlWindow::MouseEvent(event, keys, delta);
-    }
-}
-
-void ctrlSlider::Hover()
-{
-    if (HasState(statePaging))
-        return;
-    // The release of a drag may have gone to another window.
-    StateClear(stateDragged);
-    const bool hot = PointerOnThumb();
-    if (hot == HasState(stateHot))
-        return;
-    Invalidate(true);
-    if (!hot) {
-        StateClear(stateHot);
-        CaptureRelease();
-        return;
-    }
-    StateSet(stateHot);
-    const ctrlLife life(this);
-    CaptureTake();
-    if (life)
-        Cursor(cursorArrow);
-}
-
-void ctrlSlider::PressAt()
-{
-    const ctrlLife life(this);
-    if (PointerOnThumb()) {
-        GrabOffset = Pointer() - Thumb().Start;
-        StateSet(stateDragged);
-        Invalidate(true);
-        if (!CaptureHeld())
-            CaptureTake();
-        return;
-    }
-    StateSet(statePaging);
-    CaptureTake();
-    if (life)
-        PageStep();
-    if (!life || !HasState(statePaging))
-        return;
-    const auto step = [life] {
-        auto* slider = static_cast<ctrlSlider*>(life.Window());
-        if (!slider || !slider->HasState(statePaging))
-            return;
-        if (slider->CaptureHeld() && slider->IsEnabled())
-            slider->PageStep();
-        else
-            slider->Release();
-    };
-    Toolkit().TimerTake(
-        pagePeriod, [step] { Toolkit().Post(step, true); },
-        [life] {
-            if (life)
-                static_cast<ctrlSlider*>(life.Window())->OwnsTimer = false;
-        });
-    OwnsTimer = true;
-}
-
-// One page towards the pointer, until the thumb is under it.
-void ctrlSlider::PageStep()
-{
-    const span thumb = Thumb();
-    const int32_t at = Pointer();
-    const bool before = at < thumb.Start;
-    if (!before && at < thumb.End)
-        return;
-    const bool up = before != IsHorizontal();
-    Change(up ? Value + Page : Value - Page);
-}
-
-void ctrlSlider::Drag()
-{
-    const int32_t way = Track.Length() - Thumb().Length();
-    if (way <= 0)
-        return;
-    const int32_t at = std::clamp(Pointer() - GrabOffset - Track.Start, 0, way);
-    const int32_t distance = IsHorizontal() ? at : way - at;
-    if (distance == 0)
-        SetValue(Minimum);
-    else if (distance == way)
-        SetValue(Maximum);
-    else
-        SetValue(Minimum + (Maximum - Minimum) * distance / way);
-}
-
-void ctrlSlider::Release()
-{
-    const uint32_t was = StateClear(statePaging | stateDragged);
-    if ((was & (statePaging | stateDragged)) == 0)
-        return;
-    const ctrlLife life(this);
-    CaptureRelease();
-    if (!life)
-        return;
-    StateClear(stateHot);
-    if (OwnsTimer)
-        Toolkit().TimerStop();
-    if (life)
-        Invalidate(true);
-}
-
-void ctrlSlider::Turn(int delta)
-{
-    WheelRest += delta;
-    const int steps = WheelRest / notch;
-    WheelRest %= notch;
-    if (steps != 0)
-        Change(Value + steps * Step);
 }
 
 // --- Looks
@@ -339,11 +183,11 @@ void ctrlSlider::PaintThumb()
     constexpr uint32_t lit = 10;
     constexpr uint32_t whole = 7;
     const colour plain = ThumbColour == colourDefault ? theme::Face : ThumbColour;
-    const colour frame = HasState(stateHot) ? ColourScale(plain, lit, whole) : plain;
+    const colour frame = HasState(stateSliderHot) ? ColourScale(plain, lit, whole) : plain;
     rect box = ThumbBox();
     if (box.IsEmpty())
         return;
     Border(ctrlBorder::Flat, BorderWidth_, frame, box);
-    ColourEnabled(HasState(stateDragged) ? frame : plain, true);
+    ColourEnabled(HasState(stateSliderDragged) ? frame : plain, true);
     RectFillClipped(box);
 }

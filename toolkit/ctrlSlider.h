@@ -17,6 +17,13 @@ enum : uint32_t {
     styleSliderHorizontal = 0x200,
 };
 
+// State bits of sliders.
+enum : uint32_t {
+    stateSliderPaging = 0x8000,    // a press beside the thumb repeats
+    stateSliderDragged = 0x10000,  // the thumb is held
+    stateSliderHot = 0x20000,      // the pointer is over the thumb
+};
+
 class ctrlSlider : public ctrlWindow
 {
 public:

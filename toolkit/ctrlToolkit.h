@@ -40,8 +40,9 @@ public:
     // thread must not wait for that thread. Any thread.
     void Post(std::function<void()> closure, bool async);
 
-    // Handles what is in the queue, and returns when it is empty. Interface thread.
-    void PumpPending();
+    // Handles what is in the queue, and returns when it is empty. False when the system is gone, and what was
+    // in the queue will never come. Interface thread.
+    bool PumpPending();
 
     // Handles one message, waiting for it if told to. False when there was none, or will never be one again:
     // the last window is gone, or the system is.

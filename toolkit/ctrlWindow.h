@@ -26,6 +26,7 @@
 #include "toolkit/Canvas.h"
 #include "toolkit/ctrlCursors.h"
 #include "toolkit/ctrlToolkit.h"
+#include "toolkit/ctrlWindowBits.h"
 
 #include <atomic>
 #include <functional>
@@ -34,98 +35,6 @@
 
 class ctrlWindow;
 class settings;
-
-// Creation flags.
-enum : uint32_t {
-    ctrlMeasure = 1,       // stores the preferred size when it paints
-    ctrlPerMonitor = 2,    // native: follows the monitor's DPI
-    ctrlStyleRepaint = 4,  // style bits from 128 up repaint it when they change
-    ctrlCaptureKeep = 8,   // takes the capture that a descendant lets go
-    ctrlKeep = 16,         // closing hides it, and the end of a modal run does not delete it
-    ctrlFloating = 32,     // a native window although it has a parent
-    ctrlTool = 64,         // a tool window
-    ctrlFramed = 128,      // native: with a frame and a system menu
-};
-
-// Style bits; 128 and up belong to subclasses.
-enum : uint32_t {
-    styleAlwaysOnTop = 1,
-    styleFocusable = 2,
-    styleFollowWidth = 4,  // the width changes with the parent's
-    styleFollowHeight = 8,
-    styleFollowX = 16,  // x changes with the parent's width
-    styleFollowY = 32,
-    styleMaximiseFirst = 64,  // at the first show
-};
-
-// Frame bits.
-enum : uint8_t {
-    frameClosable = 1,
-    frameMaximise = 2,
-    frameMaximiseToo = 4,  // a second bit for the same box
-    frameMinimise = 8,
-    frameSpare = 16,  // without effect
-    frameResize = 32,
-};
-
-// State bits; 0x8000 and up belong to subclasses.
-enum : uint32_t {
-    stateChildren = 1,
-    stateClosing = 2,  // nothing may paint or invalidate any more
-    stateDirty = 4,
-    stateDirtyBelow = 8,
-    stateLayout = 16,
-    stateNeverShown = 32,
-    stateInMessage = 64,
-    stateMaximised = 128,
-    stateMinimised = 256,
-    stateFresh = 512,  // the target is new and holds nothing
-    statePainting = 0x800,
-    statePaintAsked = 0x1000,
-    stateModal = 0x2000,
-    stateVisible = 0x4000,
-};
-
-// Codes of Notify.
-enum : unsigned {
-    notifyTab = 0,
-    notifyClick = 1,
-    notifyPainted = 2,
-    notifyRightClick = 3,
-    notifyResized = 4,
-    notifyOpening = 5,      // a combo box is about to show its rows
-    notifyPageChanged = 9,  // another page of a ctrlPage is shown
-};
-
-enum class KeyEv : uint8_t {
-    Char = 0,
-    Down = 1,
-    Up = 2
-};
-
-enum class MouseEv : uint8_t {
-    Move = 0,
-    Wheel = 1,
-    LeftDown = 2,
-    LeftUp = 3,
-    LeftDouble = 4,
-    MiddleDown = 5,
-    MiddleUp = 6,
-    MiddleDouble = 7,
-    RightDown = 8,
-    RightUp = 9,
-    RightDouble = 10,
-};
-
-// How a control's border is drawn.
-enum class ctrlBorder : uint8_t {
-    None = 0,
-    Flat = 1,
-    Raised = 2,
-    Sunken = 3,
-    Etched = 4,
-    Ridged = 5
-};
 
 // Values of colours that are no colours.
 constexpr colour colourDefault = -1;
@@ -330,26 +239,39 @@ private:
     friend class ctrlLife;
 
     bool IsChild() const { return Parent_ && !HasFlag(ctrlFloating); }
+
+    // --- Life (ctrlWindow.cpp)
+
     void MakeNative(uint32_t width, uint32_t height, const void* caller);
     void PlaceFirst(uint32_t width, uint32_t height);
     void LinkChild();
     void Unlink();
     void ForgetInput();
-    void PlaceNative(const windowEdges& client);
-    uint32_t FrameDPI() const;
-    windowExtent FrameThickness() const;
     bool EndOwnedRuns();
     void RunEnded();
     static void Close(ctrlWindow* window);
+    void PostToSelf(void (*action)(ctrlWindow& window));
+    uint32_t FrameDPI() const;
+    windowExtent FrameThickness() const;
+
+    // --- Showing (ctrlWindowShow.cpp)
+
+    void ShowNative();
+    void ShowChild();
+    void MaximiseFirst();
     void ModalBegin();
     void ModalEnd();
     void EnableOthers(bool on) const;
-    void PostToSelf(void (*action)(ctrlWindow& window));
+
+    // --- Place (ctrlWindowPlace.cpp)
 
     rect Area() const;     // in the parent's coordinates
     rect Surface() const;  // from 0, 0
+    void PlaceNative(const windowEdges& client);
     void StoreSize(uint32_t width, uint32_t height);
     void FollowParent(int32_t widthChange, int32_t heightChange);
+
+    // --- Marks (ctrlWindowInvalidate.cpp)
 
     ctrlWindow* InvalidateWalk(bool self);
     bool CoverTest();
@@ -358,8 +280,12 @@ private:
     bool IsShownInShown() const;
     void AskPaint();
 
+    // --- Painting (ctrlWindowPaint.cpp, ctrlWindowBorder.cpp)
+
+    int64_t OnPaint();
     void PaintTree();
-    void PaintBegin();
+    void PaintFailed();
+    void PaintLater();
     bool MakeTarget();
     void MakeWindowTarget();
     uint32_t FadeInherited() const;
@@ -367,16 +293,11 @@ private:
     bool PaintChildren(bool all);
     void PaintEnd();
     void Compose();
-
-    void PaintFailed();
-    void PaintLater();
-
-    void ShowNative();
-    void ShowChild();
-    void MaximiseFirst();
     void FillIn(const rect& clip, const rect& area);
     void BorderRings(uint32_t width, colour value, rect& area, const rect& clip, bool raised);
     void BorderFlat(uint32_t width, colour value, rect& area, const rect& clip);
+
+    // --- Messages (ctrlWindowMessages.cpp)
 
     int64_t Default(uint32_t message, uint64_t first, int64_t second);
     int64_t OnMove(uint64_t first, int64_t second);
@@ -384,7 +305,6 @@ private:
     int64_t OnActivate(uint64_t first, int64_t second);
     int64_t OnSetFocus();
     int64_t OnKillFocus();
-    int64_t OnPaint();
     int64_t OnShowWindow(uint64_t first, int64_t second);
     int64_t OnSizeLimits(int64_t second);
     int64_t OnPosChanging(uint64_t first, int64_t second);
@@ -402,11 +322,12 @@ private:
     int64_t OnSizing(uint64_t first, int64_t second);
     int64_t OnScaledSize(int64_t second);
 
+    // --- Mouse, focus, capture (ctrlWindowInput.cpp)
+
     bool DeliverKey(KeyEv event, uint32_t key);
     ctrlWindow* HitTest(int32_t& x, int32_t& y);
     ctrlWindow* RouteTarget(int32_t& x, int32_t& y);
     void FocusByPress(ctrlWindow* target);
-    bool HoldsCapture(const ctrlWindow* root) const;
     bool IsBelow(const ctrlWindow* ancestor) const;
     bool IsStop() const;
 

@@ -46,12 +46,13 @@ ctrlWindow* ctrlWindow::InvalidateWalk(bool self)
             if (at->HasState(stateClosing))
                 return nullptr;
             const bool marked = (at->StateSet(stateDirtyBelow) & stateDirtyBelow) != 0;
+            // Behind a native window is the screen, and not the window that owns it.
+            if (at->Handle_)
+                return marked ? nullptr : at;
             if (at->Transparency_ != 0.0F && at->Parent_)
                 break;
             if (marked)
                 return nullptr;
-            if (at->Handle_)
-                return at;
         }
         if (!at || at->Parent_->HasState(stateClosing))
             return nullptr;

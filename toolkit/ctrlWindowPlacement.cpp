@@ -2,6 +2,8 @@
 #include "foundations/settings/settings.h"
 #include "toolkit/ctrlWindow.h"
 
+#include <algorithm>
+
 namespace {
 
 struct placementKey {
@@ -16,12 +18,19 @@ constexpr placementKey keyHeight{"Window - Size - Vertical", "Vertical window si
 constexpr placementKey keyMaximised{"Window - Maximized", "Window status"};
 
 constexpr int32_t noPosition = INT32_MIN;
+constexpr int32_t positionMost = INT16_MAX;  // what systems count positions in has 16 bits
 constexpr int32_t noWidth = -1;
 constexpr int32_t noHeight = -2;
 constexpr int32_t oldStatusMaximised = 0x20;
 
 constexpr uint8_t sizedFrames = frameMaximise | frameMaximiseToo | frameResize;
 constexpr uint8_t maximisedFrames = frameMaximise | frameMaximiseToo;
+
+// What a damaged store tells may be anywhere, and a frame is added to it.
+int32_t positionOr(int32_t value, int32_t now)
+{
+    return value == noPosition ? now : std::clamp(value, -positionMost, positionMost);
+}
 
 // The new key's value, else the old one's, else `missing`.
 int32_t load(settings& store, const placementKey& key, int32_t missing)
@@ -52,12 +61,8 @@ void ctrlWindow::PlacementLoad(settings& store)
 {
     const bool wasMaximised = HasState(stateMaximised);
     const bool opened = store.Open(false);
-    int32_t x = load(store, keyX, noPosition);
-    int32_t y = load(store, keyY, noPosition);
-    if (x == noPosition)
-        x = wasMaximised ? RestoredX : X_;
-    if (y == noPosition)
-        y = wasMaximised ? RestoredY : Y_;
+    const int32_t x = positionOr(load(store, keyX, noPosition), wasMaximised ? RestoredX : X_);
+    const int32_t y = positionOr(load(store, keyY, noPosition), wasMaximised ? RestoredY : Y_);
     uint32_t width = Width();
     uint32_t height = Height();
     if (Frame_ & sizedFrames) {

@@ -79,6 +79,12 @@ void ctrlWindow::Hide()
     CaptureRelease();
     if (!life)
         return;
+    // A control in it would go on taking keys that nobody sees arrive.
+    ctrlWindow* focused = Toolkit().Focused;
+    if (focused && focused != this && focused->IsBelow(this))
+        focused->Focused(false);
+    if (!life)
+        return;
     Focused(false);
     if (!life)
         return;
@@ -140,7 +146,7 @@ int32_t ctrlWindow::Modal(bool reset)
     if (!(StateSet(stateModal) & stateModal))
         ModalBegin();
     while (life && ModalResult_ == 0) {
-        if (!toolkit.PumpOne(true))
+        if (!toolkit.PumpOne(true) && life)
             ModalResult_ = -1;
     }
     if (!life)

@@ -199,4 +199,27 @@ TEST_F(CanvasTargetTest, AnImageWithAlphaSaysSo)
     Paper.EndDraw();
 }
 
+TEST_F(CanvasTargetTest, AnImageThatTellsMorePixelsThanItHasIsNotDrawn)
+{
+    Paper.TargetCreate(nullptr);
+    Paper.BeginDraw();
+    constexpr uint8_t pixels[16] = {};
+    pixmap image;
+    image.Bits = 32;
+    image.Pixels = pixels;
+    image.Size = sizeof pixels;
+    fakeClearDraws();
+    for (const uint32_t side : {3U, 0x8000'0000U, 0xFFFF'FFFFU}) {
+        image.Width = side;
+        image.Height = side;
+        Paper.PixmapDraw(image, 0, 0, 2, 2, 0, 0, 2, 2, false);
+    }
+    image.Width = 2;
+    image.Height = 2;
+    image.Pixels = nullptr;
+    Paper.PixmapDraw(image, 0, 0, 2, 2, 0, 0, 2, 2, false);
+    EXPECT_THAT(fakeDraws(), IsEmpty());
+    Paper.EndDraw();
+}
+
 }  // namespace

@@ -243,6 +243,26 @@ TEST_F(ctrlButtonTest, DisablingAHeldButtonStopsTheRepeatAtTheNextPaint)
     EXPECT_EQ(button->BackColour(), ColourScale(0x606060, 6, 7));
 }
 
+TEST_F(ctrlButtonTest, HidingWhatAHeldButtonStandsOnStopsTheRepeat)
+{
+    auto* panel = Placed(new ctrlWindow(Main, 0), 0, 0, 100, 100);
+    auto* button = new ctrlButton(panel, "Go", 0);
+    button->Kind(buttonKind::Repeat);
+    button->FirstDelay = 60'000;
+    button->RepeatPeriod = 60'000;
+    button->OnClick = [this] { ++Clicks; };
+    Placed(button, 10, 10, 60, 20);
+    MoveTo(button, 5, 5);
+    Press();
+    panel->Hide();
+    EXPECT_TRUE(Tick([button] { return !button->HasState(stateButtonPressed); }));
+    EXPECT_EQ(Clicks, 1) << "that of the press";
+    Release();
+    panel->Show();
+    Click(button, 5, 5);
+    EXPECT_EQ(Clicks, 2) << "it can be pressed again";
+}
+
 TEST_F(ctrlButtonTest, ARepeatWithoutAHandlerStartsNoTimer)
 {
     ctrlButton* button = Button(buttonKind::Repeat);

@@ -87,6 +87,18 @@ TEST_F(ctrlComboBoxTest, NearTheBottomItOpensUpward)
     EXPECT_EQ(popup->Y(), MainY + 250 - 62);
 }
 
+TEST_F(ctrlComboBoxTest, WhereItJustFitsItOpensDownward)
+{
+    ctrlComboBox* combo = Combo(3, 250);
+    for (const bool fits : {true, false}) {
+        fakeMonitors({{0, 0, 800, MainY + 250 + 22 + 62 - (fits ? 0 : 1)}});
+        ctrlListSel* popup = OpenBy(combo);
+        ASSERT_NE(popup, nullptr);
+        EXPECT_EQ(popup->Y(), MainY + 250 + (fits ? 22 : -62));
+        Click(popup, 20, 30);
+    }
+}
+
 TEST_F(ctrlComboBoxTest, APressOutsideClosesItAndKeepsTheChoice)
 {
     ctrlComboBox* combo = Combo(3);

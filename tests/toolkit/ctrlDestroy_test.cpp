@@ -136,6 +136,23 @@ TEST_F(ctrlDestroyTest, TheParentTakesItsTreeAndItsOwnedWindowsAlong)
     EXPECT_EQ(ended, 6);
 }
 
+TEST_F(ctrlDestroyTest, WithoutASystemAnOwnerStillTakesItsWindowsAlong)
+{
+    constexpr unsigned forLong = 1000;
+    fakeFail("windowPeek", {.Times = forLong});
+    for (const bool postFailsToo : {false, true}) {
+        if (postFailsToo)
+            fakeFail("windowPost", {.Times = forLong});
+        auto* owner = new touchy(nullptr, 300, 300, 50, 50, 0);
+        auto* owned = new touchy(owner, 300, 300, 50, 50, ctrlFloating);
+        new touchy(owned, 300, 300, 50, 50, ctrlFloating);
+        new touchy(owner, 300, 300, 50, 50, ctrlFloating);
+        delete owner;
+        EXPECT_EQ(Toolkit().WindowList().size(), 1U);
+        EXPECT_FALSE(Toolkit().PumpPending()) << "it did not ask until the system came back";
+    }
+}
+
 TEST_F(ctrlDestroyTest, TheUserClosesAFrameThatAllowsIt)
 {
     const ctrlLife main(Main);
@@ -289,6 +306,18 @@ TEST_F(ctrlDestroyInTest, EachNoticeOfEachControlAnyOfThemMayBeDestroyed)
                 Again();
             }
         }
+    }
+}
+
+TEST_F(ctrlDestroyInTest, WhenTheWindowLosesTheUserAnyControlMayBeDestroyed)
+{
+    for (size_t victim = 0; victim < 3; ++victim) {
+        Try(*All()[victim], [this](std::function<void()> destroy) {
+            ASSERT_TRUE(Main->IsActive());
+            Main->OnActivated = std::move(destroy);
+            fakeUserLeaves();
+        });
+        Again();
     }
 }
 

@@ -208,7 +208,7 @@ TEST_F(ctrlGraphPaintTest, StemsAndStepsStandOnWholePixels)
     Push({0.1F, 0.7F, -0.3F, 0.2F, 0.9F, -0.8F, 0.4F});
     const auto isSharp = [](float place) { return place - std::floor(place) == 0.5F; };
     Graph->SetStyleWave(graphLines | graphSteps);
-    Drawn();
+    EXPECT_THAT(DrawnIn(Trace), Not(IsEmpty()));
     for (const drawPoint& one : fakeFigure())
         EXPECT_TRUE(isSharp(one.X) && isSharp(one.Y)) << one.X << " " << one.Y;
     Graph->SetStyleWave(graphStems);
@@ -437,10 +437,14 @@ TEST_F(ctrlGraphPaintTest, DrawsAnythingInAnySizeAndRange)
 
 TEST_F(ctrlGraphPaintTest, ConstantDataIsALevelLine)
 {
-    for (const size_t count : {2U, 300U, 100000U}) {
+    // Two samples are a line, more a figure.
+    Push({0.5F, 0.5F});
+    EXPECT_THAT(DrawnIn(Trace), ElementsAre(StartsWith("line 2 0.5,25.25 100,25.25 ")));
+    for (const size_t count : {3U, 300U, 100000U}) {
         Push(std::vector<float>(count, 0.5F));
-        Drawn();
+        EXPECT_THAT(DrawnIn(Trace), SizeIs(1));
         const std::vector<drawPoint> points = fakeFigure();
+        EXPECT_THAT(points.size(), Ge(3U));
         for (const drawPoint& one : points)
             EXPECT_NEAR(one.Y, 50 - 0.5F * 49.5F, 0.6F) << count;
     }

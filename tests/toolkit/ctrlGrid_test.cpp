@@ -363,8 +363,11 @@ TEST_F(ctrlGridTest, AThreadMayChangeTheShapeUnderItsLock)
         }
         done = true;
     });
-    EXPECT_TRUE(await([&done] {
-        Toolkit().PumpPending();
+    uint64_t step = 0;
+    EXPECT_TRUE(await([&] {
+        ++step;
+        Click(grid, static_cast<int32_t>(step % 280), static_cast<int32_t>(step % 180));
+        grid->SetSelection({step % 60, step % 60, step % 20, step % 20});
         return done.load();
     }));
 }

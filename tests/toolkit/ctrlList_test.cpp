@@ -106,6 +106,18 @@ TEST_F(ctrlListTest, SeveralRowsCanBeChecked)
     EXPECT_EQ(Clicks, 3);
 }
 
+TEST_F(ctrlListTest, ARowThatWasPutThereByHandCanBeChecked)
+{
+    auto* list = new ctrlListSel(Main, 0, 0, 10, 10, 0);
+    list->StyleSet(styleListMany);
+    list->Rows = {"by", "hand"};
+    list->RowHeight(20);
+    Placed(list, 10, 10, 100, 42);
+    Click(list, 30, 30);
+    EXPECT_TRUE(list->IsChecked(1));
+    EXPECT_EQ(list->CheckCount(), 1U);
+}
+
 TEST_F(ctrlListTest, RowsAreMarkedByTheirState)
 {
     ctrlListSel* list = List();

@@ -173,6 +173,14 @@ TEST_F(ctrlModalTest, TheEndOfTheProgramEndsIt)
     EXPECT_EQ(another->Modal(true), -1) << "and so does a system that is gone";
 }
 
+TEST_F(ctrlModalTest, AControlThatIsDeletedAsTheSystemGoesEndsItsRun)
+{
+    auto* panel = new ctrlWindow(Main, 0, 0, 100, 100, 0);
+    fakeOnCall("windowWait", 1, [panel] { delete panel; });
+    fakeFail("windowWait");
+    EXPECT_EQ(panel->Modal(true), -1);
+}
+
 TEST_F(ctrlModalTest, AWorkersResultWakesIt)
 {
     ctrlWindow* dialog = Dialog(Main);

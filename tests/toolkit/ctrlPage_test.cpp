@@ -167,4 +167,13 @@ TEST_F(ctrlPageTest, APageMayDestroyItself)
     EXPECT_TRUE(IsShown(pages, 0));
 }
 
+TEST_F(ctrlPageTest, APageMayDestroyItselfBeforeTheNextSize)
+{
+    ctrlPage* pages = Pages(2);
+    pages->Page(1)->Destroy();
+    pages->Resize(250, 120);
+    EXPECT_EQ(pages->PageCount, 1U);
+    EXPECT_EQ(pages->Page(0)->Width(), 250U);
+}
+
 }  // namespace

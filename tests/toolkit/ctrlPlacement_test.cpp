@@ -250,6 +250,20 @@ TEST_F(ctrlPlacementTest, APlaceOffEveryMonitorIsLeftAtTheFirstShow)
     EXPECT_THAT(Place(Window), ElementsAre(800, 435, 320, 170));
 }
 
+TEST_F(ctrlPlacementTest, APlaceThatIsNoneOnAnyScreenEndsInTheMiddleOfOne)
+{
+    for (const int32_t far : {INT32_MAX, INT32_MIN + 1}) {
+        ctrlWindow* window = Made();
+        PutNew(far, far, INT32_MAX, 170);
+        window->PlacementLoad(Store);
+        EXPECT_THAT(window->Width(), testing::AllOf(testing::Gt(16'000U), testing::Le(16'384U)));
+        PutNew(far, far, 320, 170);
+        window->PlacementLoad(Store);
+        window->Show();
+        EXPECT_THAT(Place(window), ElementsAre(800, 435, 320, 170));
+    }
+}
+
 TEST_F(ctrlPlacementTest, AFileKeepsAFrameToo)
 {
     settingsText file;

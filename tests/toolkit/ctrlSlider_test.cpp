@@ -141,7 +141,7 @@ TEST_F(ctrlSliderTest, DisablingItEndsThePaging)
     Press();
     slider->Enable(false);
     const double before = slider->Value;
-    EXPECT_TRUE(Tick([slider] { return !slider->HasState(0x8000); }));
+    EXPECT_TRUE(Tick([slider] { return !slider->HasState(stateSliderPaging); }));
     EXPECT_EQ(slider->Value, before);
 }
 

@@ -80,11 +80,11 @@ TEST_P(ctrlStormTest, TheTreeStandsThroughAnything)
     }
     EXPECT_GT(most, 20U) << "there was something to blow at";
 
-    // When all is still, all that can be seen has been drawn.
     for (int i = 0; i < 20; ++i) {
         fakeClockMove(100'000'000);
         Toolkit().PumpPending();
     }
+    ASSERT_NO_FATAL_FAILURE(storm::CheckDrawn());
     while (Toolkit().HasWindows())
         delete Toolkit().WindowList().front();
     EXPECT_TRUE(Storm.All.empty());

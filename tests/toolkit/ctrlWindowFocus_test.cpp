@@ -87,9 +87,18 @@ TEST_F(ctrlWindowFocusTest, AControlThatIsDisabledHandsItsFocusUp)
 TEST_F(ctrlWindowFocusTest, HidingTakesTheFocusAway)
 {
     Upper->StyleSet(styleFocusable);
-    Upper->Focus();
-    Upper->Hide();
-    EXPECT_EQ(Toolkit().Focused, nullptr);
+    for (ctrlWindow* hidden : {Upper, Panel}) {
+        Upper->Show();
+        Upper->Focus();
+        ASSERT_EQ(Toolkit().Focused, Upper);
+        Heard();
+        hidden->Hide();
+        EXPECT_EQ(Toolkit().Focused, nullptr);
+        fakeKeyDown('A');
+        const std::vector<std::string> heard = Heard();
+        EXPECT_EQ(heard.front(), "upper blur");
+        EXPECT_EQ(heard.back(), "main down 65") << "keys go to the window";
+    }
 }
 
 // --- Keys

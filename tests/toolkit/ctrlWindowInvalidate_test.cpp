@@ -271,6 +271,18 @@ TEST_F(ctrlWindowInvalidateTest, InATranslucentParentAChildHasAllBehindItDrawnAg
     EXPECT_THAT(Drawn({"fill"}), ElementsAre(Whole(), "fill 4 0,0,10,10 404060/1"));
 }
 
+TEST_F(ctrlWindowInvalidateTest, AChildOfATranslucentWindowIsPaintedInThat)
+{
+    auto* floating = new ctrlWindow(Window, 300, 300, 40, 40, ctrlFloating);
+    auto* inner = new ctrlWindow(floating, 5, 5, 10, 10, 0);
+    inner->Show();
+    floating->Transparency(0.5F);
+    floating->Show();
+    Drawn();
+    inner->Invalidate(true);
+    EXPECT_THAT(Drawn({"fill"}), ElementsAre("fill 5 0,0,10,10 404060/1"));
+}
+
 // --- Colours
 
 TEST_F(ctrlWindowInvalidateTest, AFadeDimsTheControlAndAllInIt)

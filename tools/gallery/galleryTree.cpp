@@ -68,16 +68,13 @@ ctrlWindow* galleryTree(ctrlWindow* parent, int32_t x, int32_t y)
     auto* sheet = new treeSheet(parent, x, y);
     if (galleryStill())
         return sheet;
-    thrTimer& timer = Toolkit().Timer;
-    timer.OnTick = [life = ctrlLife(sheet)] {
+    Toolkit().TimerTake(stepMs, [life = ctrlLife(sheet)] {
         Toolkit().Post(
             [life] {
                 if (life)
                     static_cast<treeSheet*>(life.Window())->Step();
             },
             true);
-    };
-    timer.Period = stepMs;
-    timer.Start();
+    });
     return sheet;
 }

@@ -184,6 +184,49 @@ void storm::CheckControl(const ctrlWindow* control, std::set<const ctrlWindow*>&
     }
 }
 
+// What is to be drawn and can be seen waits for a paint that was asked for.
+void storm::CheckMarks(const ctrlWindow* control, bool asked)
+{
+    if (!control->HasState(stateVisible) || control->HasState(stateClosing))
+        return;
+    ASSERT_TRUE(asked || !control->HasState(stateDirty | stateDirtyBelow)) << "nobody asked for its paint";
+    const auto areaOf = [](const ctrlWindow* one, int32_t x, int32_t y) {
+        return rect{x, y, x + static_cast<int32_t>(one->Width()), y + static_cast<int32_t>(one->Height())};
+    };
+    for (const ctrlWindow* child = control->FirstChild(); child; child = child->NextSibling()) {
+        if (rectMeet(areaOf(child, child->X(), child->Y()), areaOf(control, 0, 0)))
+            CheckMarks(child, asked);
+    }
+}
+
+// Who holds the capture lives, and can be seen and used.
+void storm::CheckCapture(const ctrlWindow* window)
+{
+    // This looks into the holder, wherever that is.
+    if (!window->CaptureHeldBelow())
+        return;
+    size_t holders = 0;
+    const std::function<void(const ctrlWindow*)> search = [&](const ctrlWindow* control) {
+        if (control->CaptureHeld()) {
+            ++holders;
+            ASSERT_TRUE(control->IsVisible() && control->IsEnabled());
+        }
+        for (const ctrlWindow* child = control->FirstChild(); child; child = child->NextSibling())
+            search(child);
+    };
+    search(window);
+    ASSERT_EQ(holders, 1U);
+}
+
+void storm::CheckDrawn()
+{
+    for (const ctrlWindow* window : Toolkit().WindowList()) {
+        if (window->HasState(stateMinimised))
+            continue;
+        ASSERT_NO_FATAL_FAILURE(CheckMarks(window, false));
+    }
+}
+
 void storm::Check()
 {
     std::set<const ctrlWindow*> seen;
@@ -191,6 +234,8 @@ void storm::Check()
     for (const ctrlWindow* window : Toolkit().WindowList()) {
         ASSERT_TRUE(handles.insert(window->Handle()).second);
         CheckControl(window, seen);
+        CheckMarks(window, window->HasState(statePaintAsked));
+        CheckCapture(window);
     }
     const ctrlWindow* focused = Toolkit().Focused;
     ASSERT_TRUE(!focused || seen.count(focused));

@@ -95,6 +95,9 @@ public:
     // What the tree promises at any moment between two messages.
     static void Check();
 
+    // And when nothing waits any more: all that can be seen was drawn.
+    static void CheckDrawn();
+
     std::set<leaf*> All;
     int Depth = 0;
     int Runs = 0;  // modal ones
@@ -113,6 +116,8 @@ private:
     void Run();
     void Blow(const ctrlLife& run, unsigned left);
     static void CheckControl(const ctrlWindow* control, std::set<const ctrlWindow*>& seen);
+    static void CheckMarks(const ctrlWindow* control, bool asked);
+    static void CheckCapture(const ctrlWindow* window);
 
     std::function<void(storm&)> User;
     std::function<void()> Spoil;
