@@ -1,23 +1,17 @@
 // Runs a decoder over a stream, whole or cut, and keeps what came out of it.
 #pragma once
 
+#include "fuzz/require.h"
 #include "gnss/gnss.h"
 #include "tests/fakes/fakes.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <span>
 #include <vector>
 
-using fuzzBytes = std::span<const uint8_t>;
-
-inline void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
+using fuzzSpan = std::span<const uint8_t>;
 
 // The bytes of each value, so that what is no number compares, too.
 template <class... Values>
@@ -60,7 +54,7 @@ public:
     }
 
     // Pieces as long as the bytes of `cuts` say, in turn; without any, the whole at once.
-    void Feed(fuzzBytes stream, fuzzBytes cuts)
+    void Feed(fuzzSpan stream, fuzzSpan cuts)
     {
         for (size_t turn = 0; !stream.empty(); ++turn) {
             const size_t wanted = cuts.empty() ? stream.size() : cuts[turn % cuts.size()] % 32 + 1U;
@@ -84,10 +78,10 @@ inline bool isSorted(const std::vector<SatInfo>& sats)
 }
 
 // The first byte tells how many of those behind it are the lengths of pieces.
-struct fuzzInput {
-    fuzzInput(const uint8_t* data, size_t size)
+struct cutStream {
+    cutStream(const uint8_t* data, size_t size)
     {
-        const fuzzBytes all(data, size);
+        const fuzzSpan all(data, size);
         if (all.empty())
             return;
         const size_t count = std::min<size_t>(all[0] % 16, all.size() - 1);
@@ -95,6 +89,6 @@ struct fuzzInput {
         Stream = all.subspan(1 + count);
     }
 
-    fuzzBytes Cuts;
-    fuzzBytes Stream;
+    fuzzSpan Cuts;
+    fuzzSpan Stream;
 };

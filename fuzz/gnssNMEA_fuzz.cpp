@@ -29,12 +29,12 @@ bool isUnique(const std::vector<SatInfo>& sats)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    const fuzzInput input(data, size);
+    const cutStream input(data, size);
     decoderRun<gnssNMEA> whole;
     decoderRun<gnssNMEA> cut;
     whole.Feed(input.Stream, {});
     cut.Feed(input.Stream,
-             input.Cuts.empty() ? fuzzBytes(data, size).first(std::min<size_t>(size, 1)) : input.Cuts);
+             input.Cuts.empty() ? fuzzSpan(data, size).first(std::min<size_t>(size, 1)) : input.Cuts);
     require(stateOf(whole.Receiver) == stateOf(cut.Receiver));
     require(whole.Log == cut.Log);
 

@@ -25,13 +25,13 @@ std::vector<uint8_t> stateOf(const gnssTSIP& receiver)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     fakeReset();
-    const fuzzInput input(data, size);
+    const cutStream input(data, size);
     decoderRun<gnssTSIP> whole;
     decoderRun<gnssTSIP> cut;
     fakeClockMove(Second);
     whole.Feed(input.Stream, {});
     cut.Feed(input.Stream,
-             input.Cuts.empty() ? fuzzBytes(data, size).first(std::min<size_t>(size, 1)) : input.Cuts);
+             input.Cuts.empty() ? fuzzSpan(data, size).first(std::min<size_t>(size, 1)) : input.Cuts);
     require(stateOf(whole.Receiver) == stateOf(cut.Receiver));
     require(whole.Log == cut.Log);
 

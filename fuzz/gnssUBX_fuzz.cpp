@@ -1,10 +1,9 @@
 // Attacks the UBX decoder. The first byte says whether the decoder can talk, whether what follows is a stream
 // as it stands or messages to be framed, and which model is there from the start. Whatever comes, a stream
 // cut into single bytes must end like the whole one.
+#include "fuzz/require.h"
 #include "fuzz/ubxFrames.h"
 #include "gnss/gnssUBX.h"
-
-#include <cstdlib>
 
 namespace {
 
@@ -29,32 +28,26 @@ struct listener {
     uint64_t Levels = 0;
 };
 
-void Require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
-
 void CheckWhole(const gnssUBX& receiver)
 {
-    Require(receiver.Model == 0 ||
+    require(receiver.Model == 0 ||
             (receiver.Model >= ubxModel::Generic && receiver.Model <= gnss::ModelLast));
-    Require(receiver.ConfigState <= gnssUBX::State::SelectVerify);
-    Require(receiver.PortId <= 3 || receiver.PortId == gnssUBX::PortUnknown);
-    Require(receiver.Sats.size() <= 255);
+    require(receiver.ConfigState <= gnssUBX::State::SelectVerify);
+    require(receiver.PortId <= 3 || receiver.PortId == gnssUBX::PortUnknown);
+    require(receiver.Sats.size() <= 255);
     for (const SatInfo& sat : receiver.Sats) {
-        Require(sat.Source <= gnss::Source::SBAS);
-        Require(sat.Signals[0] < 44 && sat.Signals[1] < 44 && sat.Signals[2] < 44);
+        require(sat.Source <= gnss::Source::SBAS);
+        require(sat.Signals[0] < 44 && sat.Signals[1] < 44 && sat.Signals[2] < 44);
     }
 }
 
 void CheckSame(const listener& one, const listener& other)
 {
-    Require(one.Events == other.Events && one.Levels == other.Levels && one.Sent == other.Sent);
-    Require(one.Receiver.ConfigState == other.Receiver.ConfigState);
-    Require(one.Receiver.ParseState == other.Receiver.ParseState);
-    Require(one.Receiver.Sats.size() == other.Receiver.Sats.size());
-    Require(one.Receiver.Select.Load() == other.Receiver.Select.Load());
+    require(one.Events == other.Events && one.Levels == other.Levels && one.Sent == other.Sent);
+    require(one.Receiver.ConfigState == other.Receiver.ConfigState);
+    require(one.Receiver.ParseState == other.Receiver.ParseState);
+    require(one.Receiver.Sats.size() == other.Receiver.Sats.size());
+    require(one.Receiver.Select.Load() == other.Receiver.Select.Load());
 }
 
 fuzzBytes StreamOf(fuzzInput& input, bool framed)

@@ -1,11 +1,11 @@
 // Any bytes are an image: no stream and no size is too wrong to be brought to another depth, a compressed
 // image gives what its unpacked pixels give, and how much an output may hold does not change what is right.
+#include "fuzz/require.h"
 #include "tests/fakes/fakes.h"
 #include "toolkit/pixmapDecode.h"
 #include "toolkit/pixmapDyn.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
@@ -14,12 +14,6 @@ namespace {
 constexpr uint64_t Most = uint64_t{1} << 20;
 constexpr uint64_t Few = 4000;
 constexpr int32_t Depths[] = {1, 4, 8, 16, 24, 32};
-
-void require(bool promise)
-{
-    if (!promise)
-        std::abort();
-}
 
 constexpr uint8_t HugeUnit = 0xA7;
 

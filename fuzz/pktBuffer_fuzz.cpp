@@ -1,9 +1,9 @@
 // Messages in random pieces: what comes out must be what a plain reading of the whole stream finds.
+#include "fuzz/require.h"
 #include "link/pktBuffer.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -44,8 +44,7 @@ outcome readPieces(std::string_view stream, std::string_view sizes)
     pktBuffer buffer;
     for (size_t turn = 0; !stream.empty(); turn++) {
         const std::span<uint8_t> room = buffer.Room();
-        if (room.empty())
-            std::abort();
+        require(!room.empty());
         const size_t piece =
             sizes.empty() ? room.size() : static_cast<uint8_t>(sizes[turn % sizes.size()]) + 1U;
         const size_t count = std::min({piece, room.size(), stream.size()});
@@ -73,7 +72,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const std::string_view input(reinterpret_cast<const char*>(data), size);
     const size_t sizes = std::min<size_t>(size, 8);
     const std::string_view stream = input.substr(sizes);
-    if (readPieces(stream, input.substr(0, sizes)) != readWhole(stream))
-        std::abort();
+    require(readPieces(stream, input.substr(0, sizes)) == readWhole(stream));
     return 0;
 }

@@ -1,10 +1,10 @@
 // Any bytes are a settings file: every getter lives with it, a value set in it is found again, and nothing
 // else in it changes.
 #include "foundations/settings/settingsText.h"
+#include "fuzz/require.h"
 #include "tests/fakes/fakes.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -15,12 +15,6 @@ using sections = std::vector<settingsText::Section>;
 constexpr char16_t Path[] = u"/store.txt";
 constexpr char Root[] = "/store.txt";
 constexpr char Key[] = "Key";
-
-void require(bool promise)
-{
-    if (!promise)
-        std::abort();
-}
 
 bool equal(const sections& one, const sections& other)
 {

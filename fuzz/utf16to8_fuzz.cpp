@@ -1,17 +1,11 @@
 // Any units become good UTF-8 up to the first surrogate without its partner, and come back as they were.
 #include "foundations/text/utfConvert.h"
+#include "fuzz/require.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 
 namespace {
-
-void require(bool promise)
-{
-    if (!promise)
-        std::abort();
-}
 
 bool inRange(char16_t unit, char16_t first, char16_t last)
 {

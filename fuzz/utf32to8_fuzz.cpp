@@ -1,20 +1,14 @@
 // Any values become UTF-8 up to the first above U+10FFFF, each by itself.
 #include "foundations/text/utfConvert.h"
 #include "foundations/text/utfEdit.h"
+#include "fuzz/require.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 
 namespace {
 
 constexpr char32_t LargestCodePoint = 0x10FFFF;
-
-void require(bool promise)
-{
-    if (!promise)
-        std::abort();
-}
 
 size_t goodValues(const std::u32string& text)
 {

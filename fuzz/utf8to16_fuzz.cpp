@@ -1,17 +1,11 @@
 // Any bytes become good UTF-16 up to the first that cannot be read.
 #include "foundations/text/utfConvert.h"
+#include "fuzz/require.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 
 namespace {
-
-void require(bool promise)
-{
-    if (!promise)
-        std::abort();
-}
 
 std::u16string convert(const std::string& text, size_t count)
 {

@@ -1,20 +1,14 @@
 // Any text is a number or none; the reader stays within it and stops where it says.
 #include "foundations/text/utfLocale.h"
 #include "foundations/text/utfParse.h"
+#include "fuzz/require.h"
 
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
 namespace {
-
-void require(bool promise)
-{
-    if (!promise)
-        std::abort();
-}
 
 bool same(double one, double other)
 {

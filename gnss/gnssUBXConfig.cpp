@@ -1,9 +1,7 @@
 #include "gnss/gnssUBX.h"
 
-#include "gnss/ubxKeys.h"
 #include "gnss/ubxMessage.h"
-
-#include <bit>
+#include "gnss/ubxValues.h"
 
 namespace {
 
@@ -23,119 +21,6 @@ ubxPayload GnssBlock(ubxPayload payload, size_t block)
 size_t GnssBlockCount(ubxPayload payload)
 {
     return payload.u1(3);  // numConfigBlocks
-}
-
-// What a CFG-VALGET answer tells: the signal group or the time pulse, whichever was asked for.
-struct keyValues {
-    ubxSignalSet Signals;
-    uint32_t Enabled = 0;  // a bit for each ubxConstellation
-    bool SignalSeen = false;
-
-    bool IsFrequency = false;
-    bool IsLength = false;
-    double Period = 0;  // seconds
-    double Length = 0;  // seconds
-    float Frequency = 0;
-    double Duty = 0;  // a fraction
-
-    void Take(uint32_t key, ubxPayload value);
-    ubxSignalSet Selection() const;
-
-private:
-    bool TakeSignal(uint32_t key, bool on);
-    void TakePulse(uint32_t key, ubxPayload value);
-};
-
-uint32_t ConstellationBit(ubxConstellation constellation)
-{
-    return 1u << static_cast<unsigned>(constellation);
-}
-
-void keyValues::Take(uint32_t key, ubxPayload value)
-{
-    if (TakeSignal(key, value.u1(0) != 0))
-        SignalSeen = true;
-    else
-        TakePulse(key, value);
-}
-
-bool keyValues::TakeSignal(uint32_t key, bool on)
-{
-    for (const ubxSignalRow& row : ubxSignalTable) {
-        if (row.Key != 0 && row.Key == key) {
-            Signals.Set(row.Signal, on);
-            return true;
-        }
-    }
-    for (const ubxEnableRow& row : ubxEnableTable) {
-        if (row.Key == key) {
-            const uint32_t bit = ConstellationBit(row.Constellation);
-            Enabled = on ? Enabled | bit : Enabled & ~bit;
-            return true;
-        }
-    }
-    return false;
-}
-
-void keyValues::TakePulse(uint32_t key, ubxPayload value)
-{
-    switch (key) {
-    case ubxKey::PulseDef:
-        IsFrequency = value.u1(0) != 0;
-        break;
-    case ubxKey::PulseLengthDef:
-        IsLength = value.u1(0) != 0;
-        break;
-    case ubxKey::PulsePeriod:
-        Period = value.u4(0) * 1e-6;
-        break;
-    case ubxKey::PulseLength:
-        Length = value.u4(0) * 1e-6;
-        break;
-    case ubxKey::PulseFrequency:
-        Frequency = static_cast<float>(value.u4(0));
-        break;
-    case ubxKey::PulseDuty:
-        Duty = std::bit_cast<double>(value.u8(0)) * 0.01;
-        break;
-    default:
-        break;
-    }
-}
-
-// A signal is on only if its constellation is.
-ubxSignalSet keyValues::Selection() const
-{
-    ubxSignalSet selection;
-    for (const ubxSignalRow& row : ubxSignalTable) {
-        const bool enabled = (Enabled & ConstellationBit(row.Enable)) != 0;
-        selection.Set(row.Signal, enabled && Signals.Has(row.Signal));
-    }
-    return selection;
-}
-
-// The size of a key's value by its bits 28 to 30; 0 for a size that is not known.
-size_t ValueSize(uint32_t key)
-{
-    constexpr uint8_t Sizes[] = {0, 1, 1, 2, 4, 8, 0, 0};
-    return Sizes[key >> 28 & 7];
-}
-
-keyValues ReadValues(ubxPayload payload)
-{
-    keyValues values;
-    constexpr size_t KeySize = 4;
-    size_t at = 4;
-    while (payload.size() - at >= KeySize) {
-        const uint32_t key = payload.u4(at);
-        const size_t size = ValueSize(key);
-        at += KeySize;
-        if (size == 0 || payload.size() - at < size)
-            break;
-        values.Take(key, payload.Part(at, size));
-        at += size;
-    }
-    return values;
 }
 
 }  // namespace
@@ -241,7 +126,7 @@ void gnssUBX::Decode_CfgVALGET(ubxPayload payload)
 {
     if (payload.size() < 9 || payload.u1(0) != 1)  // version
         return;
-    const keyValues values = ReadValues(payload);
+    const ubxValues values = ubxReadValues(payload);
     if (values.SignalSeen) {
         // No key tells of IMES, so its flag stays.
         ubxSignalSet keyed(~0u);

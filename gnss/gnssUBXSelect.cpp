@@ -49,7 +49,8 @@ void gnssUBX::SelectSetByKey()
     SendFrame(ubx::CfgVALSET);
 }
 
-// Only a copy of a CFG-GNSS is sent back, never more than the work area holds.
+// Where the answer to the poll was lost the work area holds another message, whose byte is no count of
+// blocks: no more than the area goes out, whatever it says.
 void gnssUBX::SelectSendBack()
 {
     const size_t size = ubx::CfgGNSSHeader + ubx::CfgGNSSBlock * ConfigBlock[3];  // numConfigBlocks

@@ -39,8 +39,9 @@ void gnssComm::Stop()
     EndDetection();
     if (!Network)
         Close();
-    Protocol = ProtocolNone;
+    // A network may still feed. In one step, so that no decoder that is about to go decides once more.
     const thrSpinHold hold(Lock);
+    Protocol = ProtocolNone;
     NMEA.reset();
     TSIP.reset();
     UBX.reset();

@@ -50,7 +50,8 @@ public:
     // Chooses the port; a run that is on goes on with it.
     void PortSet(const std::string& name);
 
-    // Takes received bytes. One data thread at a time.
+    // Takes received bytes. One data thread at a time; without any bytes it only lets a pending reset go out
+    // at a boundary between messages, from any thread.
     void Feed(const uint8_t* bytes, size_t count);
 
     // The decoder of the protocol that was decided, null before. With Lock held.

@@ -1,4 +1,5 @@
-// The life of a connection: its thread, its attempts, its end. What is sent stands in netTCPCliSend.cpp.
+// The life of a connection: its thread, its attempts, its end. What is sent stands in netTCPCliSend.cpp,
+// where it leads in netTCPCliAddress.cpp.
 #include "link/netTCPCli.h"
 
 #include "platform/thread.h"
@@ -12,11 +13,6 @@ constexpr uint32_t KeepAliveSeconds = 7200;
 constexpr uint32_t KeepAliveIntervalMs = 1000;
 constexpr size_t DropSize = 16;
 
-bool isInternet(socketFamily family)
-{
-    return family == socketFamily::IPv4 || family == socketFamily::IPv6;
-}
-
 }  // namespace
 
 netTCPCli::netTCPCli(uint32_t flags)
@@ -29,37 +25,6 @@ netTCPCli::~netTCPCli()
     Disconnect(true);
     CloseSocket();
     DropQueue();
-}
-
-bool netTCPCli::SetAddress(const std::string& text)
-{
-    if (text.empty()) {
-        SetAddress(socketAddress());
-        return true;
-    }
-    const size_t colon = text.find(':');
-    const bool hasService = colon != std::string::npos;
-    const std::string service = hasService ? text.substr(colon + 1) : std::string();
-    socketAddress found;
-    if (!socketResolve(text.substr(0, colon), service, socketFamily::IPv4, found))
-        return false;
-    const socketAddress former = GetAddress();
-    if (!hasService && isInternet(former.Family) && isInternet(found.Family))
-        found.Port = former.Port;
-    SetAddress(found);
-    return true;
-}
-
-void netTCPCli::SetAddress(const socketAddress& address)
-{
-    const thrSpinHold hold(AddressLock);
-    Address = address;
-}
-
-socketAddress netTCPCli::GetAddress() const
-{
-    const thrSpinHold hold(AddressLock);
-    return Address;
 }
 
 void netTCPCli::Adopt(socketHandle socket, const socketAddress& peer)
@@ -154,10 +119,13 @@ void netTCPCli::Run()
 
 void netTCPCli::Attempt()
 {
-    QueuedBytes = 0;
-    TxBytes = 0;
-    RxBytes = 0;
-    Clear(Finished);
+    // To an accepted connection others may have sent before its thread began.
+    if (!Is(Accepted)) {
+        QueuedBytes = 0;
+        TxBytes = 0;
+        RxBytes = 0;
+        Clear(Finished);
+    }
     Set(Connecting);
     if (Is(Accepted) || Reach())
         Serve();

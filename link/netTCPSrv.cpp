@@ -83,7 +83,7 @@ bool netTCPSrv::Prepare()
     Socket = socket;
     socketAddress address;
     address.Port = Port;
-    if (!socketBind(socket, address) || !socketListen(socket, Backlog))
+    if (socket == socketNone || !socketBind(socket, address) || !socketListen(socket, Backlog))
         return false;
     socketAddress local;
     if (socketLocal(socket, local))

@@ -1,16 +1,10 @@
 #include "gnss/gnss.h"
 
-#include "gnss/gnssNMEA.h"
 #include "tests/fakes/fakes.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <limits>
-
 namespace {
-
-using testing::ElementsAre;
 
 class gnssTest : public testing::Test
 {

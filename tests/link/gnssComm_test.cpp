@@ -311,6 +311,31 @@ TEST_F(gnssCommTest, StopsInTheMiddleOfAWaitAndTakesTheDecodersAlong)
     EXPECT_EQ(fakeClockWaiters(), 0U);
 }
 
+TEST_F(gnssCommTest, DecidesNothingMoreOnceItIsStopped)
+{
+    std::atomic<bool> isMidway{false};
+    std::jthread stopper;
+    Link.OnNewData = [&] {
+        if (!isMidway.exchange(false))
+            return;
+        // In the middle of a chunk, whose decoder is not taken away before its end.
+        stopper = std::jthread([this] { Link.Stop(); });
+        const auto limit = std::chrono::steady_clock::now() + std::chrono::milliseconds(100);
+        while (Link.Protocol != gnssComm::ProtocolNone && std::chrono::steady_clock::now() < limit)
+            std::this_thread::yield();
+    };
+    StartOnNetwork();
+    Feed(rmc());
+    ASSERT_TRUE(AwaitEnd());
+    isMidway = true;
+    Feed(rmc() + rmc());
+    stopper.join();
+    EXPECT_EQ(Link.Protocol, gnssComm::ProtocolNone);
+    EXPECT_EQ(DetectedCount, 1U);
+    ASSERT_TRUE(Link.Start());
+    EXPECT_EQ(Alive(), 3U) << "the next receiver may speak anything";
+}
+
 TEST_F(gnssCommTest, StopsAtAnyMoment)
 {
     for (int round = 0; round < 40; ++round) {

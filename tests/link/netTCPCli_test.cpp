@@ -394,8 +394,10 @@ TEST_F(netTCPCliTest, AsksASilentPeerOnlyOnALiveConnection)
     ASSERT_TRUE(ConnectAndAwait());
     Client.SetKeepAlive(true, 15);
     Client.SetKeepAlive(false, 0);
-    const std::vector<std::string> calls = fakeCalls();
     EXPECT_EQ(fakeCallCount("socketKeepAlive"), 2U);
+    EXPECT_THAT(fakeCalls(), Contains("socketKeepAlive #1 on 15000 1000"));
+    EXPECT_THAT(fakeCalls(), Contains("socketKeepAlive #1 off 7200000 1000"))
+        << "two hours where none are told";
     Client.Disconnect(true);
 }
 

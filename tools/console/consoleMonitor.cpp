@@ -124,6 +124,13 @@ uint32_t consoleMonitor::TakeNotes(uint32_t milliseconds)
     return std::exchange(Notes, 0);
 }
 
+// By value: who hears the status takes the link's Lock, under which the link's threads leave their notes.
+std::string consoleMonitor::TakeProbed()
+{
+    const std::lock_guard lock(Mutex);
+    return Probed;
+}
+
 bool consoleMonitor::Act(uint32_t news, std::string& fault)
 {
     if ((news & NoteServerFailed) != 0) {
@@ -135,10 +142,8 @@ bool consoleMonitor::Act(uint32_t news, std::string& fault)
         return false;
     }
     ActOnConnection(news);
-    if ((news & NoteProbing) != 0 && Comm.Detected == 0) {
-        const std::lock_guard lock(Mutex);
-        Say("Waiting for device reply (" + Probed + ")...");
-    }
+    if ((news & NoteProbing) != 0 && Comm.Detected == 0)
+        Say("Waiting for device reply (" + TakeProbed() + ")...");
     if ((news & NoteDetected) != 0)
         ActOnDetection();
     if ((news & NoteData) != 0)
@@ -229,8 +234,13 @@ void consoleMonitor::EndGroup()
 
 void consoleMonitor::WatchSilence()
 {
-    const bool isSilent = clockSteadyNs() - LastData >= SilenceNs;
-    if (!isSilent || Comm.Network || (Running && Comm.Detected == 0))
+    if (clockSteadyNs() - LastData < SilenceNs)
+        return;
+    const bool isSought = Running && Comm.Detected == 0;
+    const bool hasGone = !isSought && !Comm.Network;
+    // What looked like the answer of a u-blox receiver may have been noise, or it is another one's turn now.
+    const bool isMistaken = isSought && Comm.UBXOnly;
+    if (!hasGone && !isMistaken)
         return;
     Comm.UBXOnly = false;
     Restart();

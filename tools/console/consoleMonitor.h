@@ -66,6 +66,7 @@ private:
     void ListenToNetwork();
     void Leave(note news);
     uint32_t TakeNotes(uint32_t milliseconds);
+    std::string TakeProbed();
     bool Act(uint32_t news, std::string& fault);
     void ActOnConnection(uint32_t news);
     void ActOnDetection();
@@ -82,7 +83,7 @@ private:
     gnssCommServer Server;
     gnssCommClient Client;
 
-    std::mutex Mutex;  // guards Notes and Probed
+    std::mutex Mutex;  // guards Notes and Probed; behind the link's Lock, so nothing is called with it held
     std::condition_variable Changed;
     uint32_t Notes = 0;
     std::string Probed;

@@ -9,6 +9,9 @@
 #include <string_view>
 #include <vector>
 
+// Weeks are told by their lowest ten bits.
+constexpr int simTsipWeeks = 1024;
+
 // Which commands a receiver knows: those of all, and these.
 enum class simTsipPart : uint8_t {
     All = 0,
@@ -45,7 +48,11 @@ protected:
     bool Hears(simSystem system, const simSignal& signal) const override;
 
 private:
-    struct command;
+    struct command {
+        uint8_t Id;
+        simTsipPart Part;
+        bool (simTsip::*Run)(const simReader& data);
+    };
     static const command Commands[];
     static const command TimingCommands[];
 
@@ -71,8 +78,10 @@ private:
     bool ColdReset(const simReader& data);
     bool SetOptions(const simReader& data);
     bool AskTracking(const simReader& data);
-    bool Timing(const simReader& data);
     bool SetReceiver(const simReader& data);
+
+    // The commands of 0x8E: simTsipTiming.cpp.
+    bool Timing(const simReader& data);
     bool AskEvent(const simReader& data);
     bool SetPulse(const simReader& data);
     bool SetTimeBase(const simReader& data);
@@ -94,16 +103,18 @@ private:
     simBytes PositionData() const;                                     // 0x4A
     simBytes LongPositionData() const;                                 // 0x84
     simBytes VelocityData() const;                                     // 0x56
-    simBytes EventData() const;                                        // 0x8F-0B
-    simBytes PrimaryData() const;                                      // 0x8F-AB
-    simBytes SupplementalData() const;                                 // 0x8F-AC
-    simBytes UtcData() const;                                          // 0x8F-AD
+    uint8_t DecodingStatus() const;
     double SecondsOfWeek() const;
     double TimeOfFix() const;
     double ReportedAltitude() const;
 
-    bool UtcTime() const;  // whether the timing packets tell UTC rather than GPS time
-    unsigned SurveyProgress() const;
+    // The reports of 0x8F: simTsipTiming.cpp.
+    simBytes EventData() const;         // 0x8F-0B
+    simBytes PrimaryData() const;       // 0x8F-AB
+    simBytes SupplementalData() const;  // 0x8F-AC
+    simBytes UtcData() const;           // 0x8F-AD
+    bool UtcTime() const;               // UTC rather than GPS time
+    unsigned SurveyProgress() const;    // percent
 
     const simTsipModel& Model;
     simTsipParser Parser;

@@ -1,26 +1,17 @@
 // What a host may ask of a Trimble receiver.
 #include "tools/simulator/simTsip.h"
 
-#include "tools/simulator/simTime.h"
-
 #include <algorithm>
 
 namespace {
 
 constexpr uint8_t CommandTiming = 0x8E;
-constexpr uint8_t ReportTiming = 0x8F;
 constexpr uint8_t CommandVersion = 0x1C;
 
 constexpr int ColdFix = 4;  // seconds
 constexpr int WarmFix = 2;
 
 }  // namespace
-
-struct simTsip::command {
-    uint8_t Id;
-    simTsipPart Part;
-    bool (simTsip::*Run)(const simReader& data);
-};
 
 const simTsip::command simTsip::Commands[] = {
     {CommandVersion, simTsipPart::Version, &simTsip::AskVersion},
@@ -36,18 +27,6 @@ const simTsip::command simTsip::Commands[] = {
     {0x3C, simTsipPart::All, &simTsip::AskTracking},
     {CommandTiming, simTsipPart::Timing, &simTsip::Timing},
     {0xBB, simTsipPart::Timing, &simTsip::SetReceiver},
-};
-
-const simTsip::command simTsip::TimingCommands[] = {
-    {0x0B, simTsipPart::Timing, &simTsip::AskEvent},
-    {0x4A, simTsipPart::Timing, &simTsip::SetPulse},
-    {0xA2, simTsipPart::Timing, &simTsip::SetTimeBase},
-    {0xA5, simTsipPart::Timing, &simTsip::SetMask},
-    {0xA6, simTsipPart::Timing, &simTsip::SurveyAgain},
-    {0xA9, simTsipPart::Timing, &simTsip::SetSurvey},
-    {0xAB, simTsipPart::Timing, &simTsip::AskPrimary},
-    {0xAC, simTsipPart::Timing, &simTsip::AskSupplemental},
-    {0xAD, simTsipPart::Timing, &simTsip::AskUtc},
 };
 
 void simTsip::OnPacket(const simBytes& packet)
@@ -176,13 +155,6 @@ bool simTsip::AskTracking(const simReader& data)
     return true;
 }
 
-bool simTsip::Timing(const simReader& data)
-{
-    if (data.Data.empty())
-        return false;
-    return RunFrom(TimingCommands, data.U1(0), simReader(data.Data.subspan(1), std::endian::big));
-}
-
 // 0xBB: the receiver's configuration. A byte 0xFF leaves what is there.
 bool simTsip::SetReceiver(const simReader& data)
 {
@@ -193,79 +165,5 @@ bool simTsip::SetReceiver(const simReader& data)
             Receiver[at] = data.Data[at];
     }
     Answer(0xBB, Receiver);
-    return true;
-}
-
-bool simTsip::AskEvent(const simReader&)
-{
-    Answer(ReportTiming, EventData());
-    return true;
-}
-
-// 0x8E-4A: driver, base, edge, delay and threshold of the pulse.
-bool simTsip::SetPulse(const simReader& data)
-{
-    if (!data.Data.empty() && data.Data.size() + 1 != Pulse.size())
-        return false;
-    std::ranges::copy(data.Data, Pulse.begin() + 1);
-    Answer(ReportTiming, Pulse);
-    return true;
-}
-
-bool simTsip::SetTimeBase(const simReader& data)
-{
-    if (!data.Data.empty())
-        TimeBase = data.U1(0) & 3;
-    Answer(ReportTiming, {0xA2, TimeBase});
-    return true;
-}
-
-// 0x8E-A5: two masks of the packets that are sent by themselves, of which the second is not used.
-bool simTsip::SetMask(const simReader& data)
-{
-    constexpr size_t MasksSize = 4;
-    if (!data.Data.empty() && data.Data.size() != MasksSize)
-        return false;
-    if (!data.Data.empty())
-        Mask = data.U2(0);
-    Answer(ReportTiming, simWriter(std::endian::big).U1(0xA5).U2(Mask).U2(0).Data);
-    return true;
-}
-
-// 0x8E-A6: 0 surveys the antenna's position anew.
-bool simTsip::SurveyAgain(const simReader& data)
-{
-    if (data.Data.size() != 1 || data.U1(0) != 0)
-        return false;
-    SurveyStart = UtcNs();
-    Answer(ReportTiming, {0xA6, 0, 0});
-    return true;
-}
-
-// 0x8E-A9: whether there is a survey, whether it is saved, of how many fixes.
-bool simTsip::SetSurvey(const simReader& data)
-{
-    if (!data.Data.empty() && data.Data.size() + 1 != Survey.size())
-        return false;
-    std::ranges::copy(data.Data, Survey.begin() + 1);
-    Answer(ReportTiming, Survey);
-    return true;
-}
-
-bool simTsip::AskPrimary(const simReader&)
-{
-    Answer(ReportTiming, PrimaryData());
-    return true;
-}
-
-bool simTsip::AskSupplemental(const simReader&)
-{
-    Answer(ReportTiming, SupplementalData());
-    return true;
-}
-
-bool simTsip::AskUtc(const simReader&)
-{
-    Answer(ReportTiming, UtcData());
     return true;
 }
