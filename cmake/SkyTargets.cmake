@@ -1,7 +1,7 @@
 # How a folder becomes a target. A new file in a folder is built without a word here.
 
-# sky_library(NAME [LIBRARIES ...]): a static library of the sources beside the calling CMakeLists.txt, or below it in
-# FOLDER.
+# sky_library(NAME [OBJECT] [FOLDER folder] [LIBRARIES ...]): a static library of the sources beside the calling
+# CMakeLists.txt, or below it in FOLDER. With OBJECT its objects are linked whole.
 function(sky_library name)
   cmake_parse_arguments(arg "OBJECT" "FOLDER" "LIBRARIES" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${arg_FOLDER}/*.cpp")
@@ -31,9 +31,9 @@ endfunction()
 # All tests that run several threads at once.
 add_custom_target(threaded_tests)
 
-# sky_test(NAME FOLDERS ... [PLATFORM native|fake] [THREADED] [SCREEN] LIBRARIES ...): a GoogleTest program of all sources in
-# some folders, run by CTest as one test. Its counts are left in results/NAME.json. One that is THREADED is also built and
-# run under the thread sanitizer. One with a SCREEN runs in a virtual display of its own.
+# sky_test(NAME FOLDERS ... [PLATFORM native|fake] [THREADED] [SCREEN] [TIMEOUT seconds] LIBRARIES ...): a GoogleTest program
+# of all sources in some folders, run by CTest as one test. Its counts are left in results/NAME.json. One that is THREADED is
+# also built and run under the thread sanitizer. One with a SCREEN runs in a virtual display of its own.
 function(sky_test name)
   cmake_parse_arguments(arg "THREADED;SCREEN" "PLATFORM;TIMEOUT" "FOLDERS;LIBRARIES" ${ARGN})
   set(sources)
@@ -69,8 +69,16 @@ function(sky_test name)
     add_dependencies(threaded_tests ${name})
     set_tests_properties(${name} PROPERTIES LABELS threaded)
   endif()
-  set_tests_properties(${name} PROPERTIES
-    TIMEOUT ${arg_TIMEOUT}
-    # Tests write no setting of the person who runs them.
-    ENVIRONMENT "XDG_CONFIG_HOME=${CMAKE_BINARY_DIR}/config;TSAN_OPTIONS=halt_on_error=1:suppressions=${CMAKE_SOURCE_DIR}/tests/races.txt;UBSAN_OPTIONS=print_stacktrace=1;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/leaks.txt:print_suppressions=0")
+  # Tests write no setting of the person who runs them, nor of suites that run beside them.
+  set(own "${CMAKE_BINARY_DIR}/own/${name}")
+  set(environment
+    "XDG_CONFIG_HOME=${own}"
+    "TSAN_OPTIONS=halt_on_error=1:suppressions=${CMAKE_SOURCE_DIR}/tests/races.txt"
+    "UBSAN_OPTIONS=print_stacktrace=1"
+    "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/leaks.txt:print_suppressions=0")
+  if(NOT WIN32)
+    # An emulator may keep there what serves all suites.
+    list(APPEND environment "XDG_RUNTIME_DIR=${own}")
+  endif()
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT} ENVIRONMENT "${environment}")
 endfunction()

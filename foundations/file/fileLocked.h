@@ -21,7 +21,7 @@ public:
         WriterRuns = 0x002,     // state
         IsOpen = 0x004,         // state
         Create = 0x008,         // make the file and its folders if missing
-        Unbuffered = 0x010,     // past the system's cache
+        Unbuffered = 0x010,     // past the system's cache, with the multiples that fileAccess asks for
         DiskRefused = 0x020,    // state: the disk refused a write
         WriteFailed = 0x040,    // state
         Exclusive = 0x080,      // no one else has the file, and its start is locked
@@ -56,7 +56,7 @@ public:
     uint64_t Read(void* buffer, uint64_t count);
 
     // Writes at WritePos and moves it, or queues that for the background writer. Gives the bytes accepted.
-    // One thread at a time.
+    // One thread at a time, as for Seek and SetEnd.
     uint64_t Write(const void* data, uint64_t count);
     uint64_t WriteString(const std::string& text);
 

@@ -11,7 +11,7 @@
 
 class memReportSink;
 
-// Null for a size of 0. When no memory is left: null with `soft`, else a fatal fault.
+// Null for a size of 0, and if no private heap can be made. Without memory: null if `soft`, else a fault.
 void* memAlloc(uint64_t size, bool soft = false);
 
 // Gives an allocation back; null is allowed. Any other address than a living allocation's is a fatal fault.

@@ -71,6 +71,25 @@ void settingsText::Close(bool write)
     Current = nullptr;
 }
 
+void settingsText::DeleteValue(const char* key)
+{
+    if (!Open(true))
+        return;
+    if (const KeyValueRow* const row = FindRow(key))
+        Current->Rows.erase(Current->Rows.begin() + (row - Current->Rows.data()));
+    Close(true);
+}
+
+void settingsText::DeleteAll()
+{
+    if (!Open(true))
+        return;
+    if (Current != nullptr)
+        Sections.erase(Sections.begin() + (Current - Sections.data()));
+    Current = nullptr;
+    Close(true);
+}
+
 void settingsText::ReadFile(fileLocked& file)
 {
     Whole = false;
@@ -111,4 +130,26 @@ void settingsText::AddSection()
 {
     Sections.push_back({"[" + SectionName + "]", {}, SectionName});
     Current = &Sections.back();
+}
+
+settingsText::KeyValueRow* settingsText::FindRow(const std::string& key)
+{
+    if (Current == nullptr)
+        return nullptr;
+    std::vector<KeyValueRow>& rows = Current->Rows;
+    const auto found =
+        std::find_if(rows.begin(), rows.end(), [&key](const auto& row) { return row.Key == key; });
+    return found != rows.end() ? &*found : nullptr;
+}
+
+settingsText::KeyValueRow& settingsText::FindOrAddRow(const std::string& key)
+{
+    if (KeyValueRow* const row = FindRow(key))
+        return *row;
+    // DeleteAll in the same batch may have taken the section away.
+    if (Current == nullptr)
+        AddSection();
+    KeyValueRow& row = Current->Rows.emplace_back();
+    row.Key = key;
+    return row;
 }

@@ -23,8 +23,8 @@ void utfErase(std::string& text, size_t index, size_t count);
 // U+10FFFF insert nothing.
 void utfInsert(std::string& text, size_t index, char32_t codePoint);
 
-// Puts one code point in place of every other. Each search begins at the last replacement, so `put` must not
-// be a text that contains `find`; equal ones change nothing.
+// Puts `put` in the place of every `find`; a `put` of zero or above U+10FFFF takes them away. Equal ones, and
+// a `find` of zero or above U+10FFFF, change nothing.
 void utfReplace(std::string& text, char32_t find, char32_t put);
 
 // Cuts the text to at most `bytes` bytes and never within a sequence. A text that is no longer is left alone.

@@ -13,8 +13,8 @@ struct utfLocaleTexts {
     std::string TimeSeparator;
     std::string DayFull[7];   // Sunday first
     std::string DayShort[7];  // Sunday first
-    std::string
-        DayShortest[7];  // Monday first, unless it had to be made from DayShort, whose order it then has
+    // Monday first, unless it had to be made from DayShort, whose order it then has.
+    std::string DayShortest[7];
 };
 
 extern utfLocaleTexts utfLocale;

@@ -1,4 +1,4 @@
-// An event that stays signalled until one waiter has seen it, with a timed wait.
+// An event that stays signalled until one waiter has seen it, with a timed wait. Any thread, several at once.
 #pragma once
 
 #include <atomic>

@@ -1,4 +1,4 @@
-// A periodic timer with a thread of its own, which exists only while the timer runs.
+// A periodic timer with a thread of its own while it runs. One thread at a time starts, stops and ends it.
 #pragma once
 
 #include "foundations/thread/thrEvent.h"

@@ -1,60 +1,23 @@
 #include "platform/comm.h"
 
 #include "tests/fakes/core.h"
-#include "tests/fakes/fakeLinks.h"
+#include "tests/fakes/ports.h"
 
 #include <algorithm>
-#include <array>
-#include <condition_variable>
 #include <cstring>
-#include <map>
-#include <memory>
 
 namespace {
 
-constexpr char FirstPrefix[] = "COM";
-
-struct portState {
-    bool There = false;
-    bool Taken = false;
-    unsigned Plugged = 0;  // how often; a handle is good for one time
-    std::string Arrived;
-    std::string Sent;
-    commControl Start;
-    commControl Settings;
-    commQueue Limits;
-    uint32_t Modem = 0;
-    uint32_t Unsent = 0;
-    bool Blocked = false;
-};
-
-struct portHandle {
-    std::string Name;
-    unsigned Plugged;
-};
-
-struct commState {
-    std::map<std::string, portState> Ports;
-    std::map<commHandle, portHandle> Handles;
-    commHandle Last = 0;
-    std::array<std::vector<commDevice>, commClasses> Devices;
-    std::string Prefix = FirstPrefix;
-    std::condition_variable Changed;
-};
-
-commState& state()
-{
-    static commState& only = *new commState;
-    return only;
-}
+using fakes::ports;
+using fakes::portState;
 
 // Null for a handle that is closed or whose port has gone. Under the mutex.
 portState* portOf(commHandle handle)
 {
-    const auto found = state().Handles.find(handle);
-    if (found == state().Handles.end())
+    const auto found = ports().Handles.find(handle);
+    if (found == ports().Handles.end())
         return nullptr;
-    portState& port = state().Ports[found->second.Name];
+    portState& port = ports().Ports[found->second.Name];
     return port.There && port.Plugged == found->second.Plugged ? &port : nullptr;
 }
 
@@ -62,8 +25,8 @@ portState* portOf(commHandle handle)
 std::string nameOf(commHandle handle)
 {
     const std::lock_guard lock(fakes::stateMutex());
-    const auto found = state().Handles.find(handle);
-    return found == state().Handles.end() ? "closed" : found->second.Name;
+    const auto found = ports().Handles.find(handle);
+    return found == ports().Handles.end() ? "closed" : found->second.Name;
 }
 
 std::string withNumbers(const std::string& name, std::initializer_list<uint64_t> numbers)
@@ -101,7 +64,7 @@ bool take(commHandle handle, const void* data, uint32_t count, uint32_t& done)
     std::unique_lock lock(fakes::stateMutex());
     portState* port = portOf(handle);
     while (port != nullptr && port->Blocked) {
-        state().Changed.wait(lock);
+        ports().Changed.wait(lock);
         port = portOf(handle);
     }
     if (port == nullptr)
@@ -113,28 +76,34 @@ bool take(commHandle handle, const void* data, uint32_t count, uint32_t& done)
 
 }  // namespace
 
+fakes::portsState& fakes::ports()
+{
+    static portsState& only = *new portsState;
+    return only;
+}
+
 void fakes::resetComm()
 {
-    state().Ports.clear();
-    state().Handles.clear();
-    state().Devices = {};
-    state().Prefix = FirstPrefix;
-    state().Changed.notify_all();
+    ports().Ports.clear();
+    ports().Handles.clear();
+    ports().Devices = {};
+    ports().Prefix = FirstPrefix;
+    ports().Changed.notify_all();
 }
 
 commHandle commOpen(std::string_view name)
 {
     const bool scripted = fakes::enter("commOpen", std::string(name)).Scripted;
     const std::lock_guard lock(fakes::stateMutex());
-    const auto found = state().Ports.find(std::string(name));
-    if (scripted || !isName(name) || found == state().Ports.end())
+    const auto found = ports().Ports.find(std::string(name));
+    if (scripted || !isName(name) || found == ports().Ports.end())
         return commNone;
     portState& port = found->second;
     if (!port.There || port.Taken)
         return commNone;
     port.Taken = true;
-    state().Handles[++state().Last] = {found->first, port.Plugged};
-    return state().Last;
+    ports().Handles[++ports().Last] = {found->first, port.Plugged};
+    return ports().Last;
 }
 
 void commClose(commHandle handle)
@@ -145,8 +114,8 @@ void commClose(commHandle handle)
         port->Arrived.clear();
         port->Taken = false;
     }
-    state().Handles.erase(handle);
-    state().Changed.notify_all();
+    ports().Handles.erase(handle);
+    ports().Changed.notify_all();
 }
 
 bool commDefault(commHandle handle, commControl& control)
@@ -255,7 +224,7 @@ std::vector<commDevice> commDevices(unsigned deviceClass)
     const std::lock_guard lock(fakes::stateMutex());
     if (scripted || deviceClass >= commClasses)
         return {};
-    return state().Devices[deviceClass];
+    return ports().Devices[deviceClass];
 }
 
 std::string_view commNamePrefix()
@@ -263,95 +232,5 @@ std::string_view commNamePrefix()
     // The text outlives the reset that changes the prefix.
     static std::map<std::string, bool>& known = *new std::map<std::string, bool>;
     const std::lock_guard lock(fakes::stateMutex());
-    return known.try_emplace(state().Prefix).first->first;
-}
-
-void fakePort(const std::string& name)
-{
-    const std::lock_guard lock(fakes::stateMutex());
-    portState& port = state().Ports[name];
-    if (port.There)
-        return;
-    port.There = true;
-    ++port.Plugged;
-}
-
-void fakePortGone(const std::string& name)
-{
-    const std::lock_guard lock(fakes::stateMutex());
-    portState& port = state().Ports[name];
-    port.There = false;
-    port.Taken = false;
-    port.Arrived.clear();
-    state().Changed.notify_all();
-}
-
-unsigned fakePortHandles()
-{
-    const std::lock_guard lock(fakes::stateMutex());
-    return static_cast<unsigned>(state().Handles.size());
-}
-
-void fakePortReceive(const std::string& name, const std::string& bytes)
-{
-    const std::lock_guard lock(fakes::stateMutex());
-    state().Ports[name].Arrived += bytes;
-}
-
-std::string fakePortSent(const std::string& name)
-{
-    const std::lock_guard lock(fakes::stateMutex());
-    return state().Ports[name].Sent;
-}
-
-commControl fakePortSettings(const std::string& name)
-{
-    const std::lock_guard lock(fakes::stateMutex());
-    return state().Ports[name].Settings;
-}
-
-void fakePortControl(const std::string& name, const commControl& control)
-{
-    const std::lock_guard lock(fakes::stateMutex());
-    state().Ports[name].Start = control;
-    state().Ports[name].Settings = control;
-}
-
-void fakePortQueues(const std::string& name, const commQueue& limits)
-{
-    const std::lock_guard lock(fakes::stateMutex());
-    state().Ports[name].Limits = limits;
-}
-
-void fakePortModem(const std::string& name, uint32_t status)
-{
-    const std::lock_guard lock(fakes::stateMutex());
-    state().Ports[name].Modem = status;
-}
-
-void fakePortBlockWrites(const std::string& name, bool blocked)
-{
-    const std::lock_guard lock(fakes::stateMutex());
-    state().Ports[name].Blocked = blocked;
-    state().Changed.notify_all();
-}
-
-void fakePortUnsent(const std::string& name, uint32_t bytes)
-{
-    const std::lock_guard lock(fakes::stateMutex());
-    state().Ports[name].Unsent = bytes;
-}
-
-void fakeDevices(unsigned deviceClass, const std::vector<commDevice>& devices)
-{
-    if (deviceClass >= commClasses)
-        fakes::misuse("there is no such class of devices");
-    const std::lock_guard lock(fakes::stateMutex());
-    state().Devices[deviceClass] = devices;
-}
-
-void fakeNamePrefix(const std::string& prefix)
-{
-    const std::lock_guard lock(fakes::stateMutex());
-    state().Prefix = prefix;
+    return known.try_emplace(ports().Prefix).first->first;
 }

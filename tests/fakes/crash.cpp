@@ -179,7 +179,7 @@ void crashSystemName(char* target, size_t room)
 
 size_t crashDocuments(char* target, size_t room)
 {
-    return fakeCrash().Documents.size() < room ? copyText(fakeCrash().Documents, target, room) : 0;
+    return fakeCrash().Documents.size() + 1 < room ? copyText(fakeCrash().Documents, target, room) : 0;
 }
 
 char crashSeparator()

@@ -23,8 +23,8 @@ void contractPassTime(int64_t nanoseconds);
 // Waits, while time passes, until something has come true; false when it has not after ten seconds.
 bool contractAwait(const std::function<bool()>& condition);
 
-// The key below which the suites keep theirs.
-constexpr char ContractKey[] = "Software\\Vintermark\\Skyreckoning contract test";
+// The key below which the suites keep theirs, one for each test program: several may run at once.
+extern const char* const ContractKey;
 
 class contractTest : public testing::Test
 {

@@ -19,6 +19,9 @@ constexpr uint64_t mebibyte = 0x100000;
 // Where the fake platform's regions put their first zone.
 constexpr uint64_t firstZoneOffset = 64;
 
+// An allocation that fills a block of one mebibyte, but for a rest of no more than a header.
+constexpr uint64_t nearlyAll = 0xFFF80 - 64;
+
 enum blockField : unsigned {
     blockNext = 0,
     blockPrevious = 8,

@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr uint64_t nearlyAll = 0xFFF80 - 64;
-
 const std::string figures =
     lines({"Allocated blocks 3 / 3", "Allocated blocks bytes 3145728 / 3145728 (1048576)",
            "Allocated zones 5 / 5", "Allocated zones bytes 2097472 / 2097472 (1048448)"});

@@ -6,8 +6,6 @@ class memFreeTest : public heapTest
 {
 };
 
-constexpr uint64_t nearlyAll = 0xFFF80 - 64;
-
 std::string noBlock(const void* pointer, uint64_t site)
 {
     return "memFree - No block for " + hex(addressOf(pointer)) + " in call from " + hex(site);

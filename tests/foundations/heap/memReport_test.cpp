@@ -8,8 +8,6 @@ class memReportTest : public heapTest
 {
 };
 
-constexpr uint64_t nearlyAll = 0xFFF80 - 64;
-
 class fixedSink final : public memReportSink
 {
 public:

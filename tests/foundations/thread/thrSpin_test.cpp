@@ -1,12 +1,12 @@
 #include "foundations/thread/thrSpin.h"
 
 #include "tests/await.h"
-#include "tests/fakes/fakes.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <thread>
+#include <vector>
 
 namespace {
 

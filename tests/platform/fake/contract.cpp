@@ -8,6 +8,8 @@ constexpr char16_t Folder[] = u"/contract";
 
 }  // namespace
 
+const char* const ContractKey = "Software\\Vintermark\\Skyreckoning contract";
+
 bool contractIsFake()
 {
     return true;

@@ -1,6 +1,7 @@
 #include "tests/platform/contract.h"
 
 #include "platform/clock.h"
+#include "platform/process.h"
 #include "platform/registry.h"
 #include "platform/thread.h"
 
@@ -44,7 +45,17 @@ scratchFolder& Scratch()
     return folder;
 }
 
+// A child is the same program, and so finds what its parent stored.
+const std::string& KeyOfThisProgram()
+{
+    static const std::string key =
+        "Software\\Vintermark\\Skyreckoning " + std::filesystem::path(processPath()).stem().string();
+    return key;
+}
+
 }  // namespace
+
+const char* const ContractKey = KeyOfThisProgram().c_str();
 
 bool contractIsFake()
 {

@@ -127,7 +127,7 @@ void ExpectInVictim(const crashText& report)
 
 // --- Faults of the processor
 
-TEST_F(crashKillTest, ReadingFromNull)
+TEST_F(crashKillTest, TellsOfAReadFromNull)
 {
     const crashText report = Report("readsNull");
     ExpectWhole(report, "victimReadsNull");
@@ -141,7 +141,7 @@ TEST_F(crashKillTest, ReadingFromNull)
     EXPECT_THAT(report.Memory, HasSubstr("No memory in use\r\n"));
 }
 
-TEST_F(crashKillTest, WritingToNull)
+TEST_F(crashKillTest, TellsOfAWriteToNull)
 {
     const crashText report = Report("writesNull");
     ExpectWhole(report, "victimWritesNull");
@@ -150,7 +150,7 @@ TEST_F(crashKillTest, WritingToNull)
                 ElementsAre("Operation: Write", "Adress:    0000000000000000"));
 }
 
-TEST_F(crashKillTest, RunningData)
+TEST_F(crashKillTest, TellsOfDataThatIsRun)
 {
     const crashText report = Report("runsData");
     ExpectWhole(report, "victimRunsData");
@@ -158,7 +158,7 @@ TEST_F(crashKillTest, RunningData)
     EXPECT_EQ(report.Exceptions.at(0).Parameters.at(0), "Operation: Data Execution Prevention");
 }
 
-TEST_F(crashKillTest, CallingNull)
+TEST_F(crashKillTest, TellsOfACallOfNullWhereItIsACrash)
 {
     const std::string documents = Documents().string();
     const victimEnd end = victimRun("callsNull", true, documents);
@@ -173,7 +173,7 @@ TEST_F(crashKillTest, CallingNull)
     }
 }
 
-TEST_F(crashKillTest, DividingByZero)
+TEST_F(crashKillTest, TellsOfADivisionByZero)
 {
     const crashText report = Report("dividesByZero");
     ExpectWhole(report, "victimDividesByZero");
@@ -182,7 +182,7 @@ TEST_F(crashKillTest, DividingByZero)
     EXPECT_EQ(report.Exceptions.at(0).Name, " EXCEPTION_INT_DIVIDE_BY_ZERO");
 }
 
-TEST_F(crashKillTest, Breaking)
+TEST_F(crashKillTest, TellsOfABreakpoint)
 {
     const crashText report = Report("breaks");
     ExpectWhole(report, "victimBreaks");
@@ -191,7 +191,7 @@ TEST_F(crashKillTest, Breaking)
     EXPECT_EQ(report.Exceptions.at(0).Flags, "Continuable");
 }
 
-TEST_F(crashKillTest, UsingUpTheStack)
+TEST_F(crashKillTest, TellsOfAStackThatIsUsedUp)
 {
     if (!victimSeesOverflow())
         GTEST_SKIP() << "this system ends a program before it can look at its stack";
@@ -211,7 +211,7 @@ TEST_F(crashKillTest, ThrowingAndCatchingIsNoCrash)
     EXPECT_THAT(Reports(), SizeIs(0u));
 }
 
-TEST_F(crashKillTest, ThrowingAnExceptionThatTellsWhat)
+TEST_F(crashKillTest, TellsWhatAnUncaughtExceptionSays)
 {
     Kill("throwsStandard");
     const std::vector<std::string> reports = Reports();
@@ -225,14 +225,14 @@ TEST_F(crashKillTest, ThrowingAnExceptionThatTellsWhat)
     EXPECT_EQ(report.Exceptions.at(0).Name, " EXCEPTION_BREAKPOINT");
 }
 
-TEST_F(crashKillTest, ThrowingAnInt)
+TEST_F(crashKillTest, TellsOfAnUncaughtInt)
 {
     const crashText report = Report("throwsInt");
     ExpectWhole(report, "victimThrowsInt");
     EXPECT_EQ(report.Exceptions.at(0).Name, " SIGABRT");
 }
 
-TEST_F(crashKillTest, Aborting)
+TEST_F(crashKillTest, TellsOfAnAbort)
 {
     const crashText report = Report("aborts");
     ExpectWhole(report, "victimAborts");
@@ -274,7 +274,7 @@ INSTANTIATE_TEST_SUITE_P(crashKill, crashHeapKillTest, testing::ValuesIn(HeapRow
 
 // --- Threads
 
-TEST_F(crashKillTest, CrashingOnAWorker)
+TEST_F(crashKillTest, TellsOfACrashOnAWorker)
 {
     const crashText report = Report("crashesOnWorker");
     ExpectWhole(report, "victimReadsNull");
@@ -282,7 +282,7 @@ TEST_F(crashKillTest, CrashingOnAWorker)
     EXPECT_THAT(report.Threads, Contains(testing::Field(&crashTextThread::Calls, Contains("main"))));
 }
 
-TEST_F(crashKillTest, UsingUpAWorkersStack)
+TEST_F(crashKillTest, TellsOfAWorkersStackThatIsUsedUp)
 {
     if (!victimSeesOverflow())
         GTEST_SKIP() << "this system ends a program before it can look at its stack";

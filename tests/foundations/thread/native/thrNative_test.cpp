@@ -59,20 +59,19 @@ TEST(thrSpinNative, LosesNoWaiterWhenTheHolderIsSlow)
     EXPECT_EQ(entries, 6 * 40);
 }
 
-TEST(thrSpinNative, IsGoneSafelyOnceTheLastUserHasLeft)
+TEST(thrSpinNative, MayGoWhileAnotherIsStillOnItsWayOutOfUnlock)
 {
-    for (int round = 0; round < 100; ++round) {
+    for (int round = 0; round < 2000; ++round) {
         auto spin = std::make_unique<thrSpin>();
         bool other = false;
         std::jthread thread([&] {
             const thrSpinHold hold(*spin);
             other = true;
         });
-        for (bool seen = false; !seen; threadYield()) {
+        for (bool seen = false; !seen;) {
             const thrSpinHold hold(*spin);
             seen = other;
         }
-        thread.join();
         spin.reset();
     }
 }
@@ -93,7 +92,7 @@ TEST(thrGateNative, PlaysPingPong)
     for (int round = 0; round < Rounds; ++round) {
         ping.Wake();
         pong.Sleep();
-        ASSERT_EQ(ball, round + 1);
+        EXPECT_EQ(ball, round + 1);
     }
 }
 
@@ -138,9 +137,10 @@ TEST(thrEventNative, LosesNoSignalAmongManyWaiters)
             ++gone;
         });
     }
-    for (int signal = 1; signal <= Signals; ++signal) {
+    // Whatever is lost, the waiters must be let go.
+    for (int signal = 1; signal <= Signals && !HasFailure(); ++signal) {
         event.Signal();
-        ASSERT_TRUE(await([&] { return seen == signal; })) << signal;
+        EXPECT_TRUE(await([&] { return seen == signal; })) << signal;
     }
     over = true;
     ASSERT_TRUE(await([&] {
@@ -230,7 +230,9 @@ TEST(thrTimerNative, EndsWhileItTicks)
             timer.Start();
             timer.Signal();
         }
-        EXPECT_GE(ticks, 0);
+        const int last = ticks;
+        threadYield();
+        EXPECT_EQ(ticks, last);
     }
 }
 
