@@ -146,4 +146,20 @@ TEST_F(mainFormNetworkTest, ALostConnectionIsTriedAgainWithoutAWord)
     EXPECT_TRUE(Form->AddressEdit->IsEnabled());
 }
 
+TEST_F(mainFormNetworkTest, LeavingTheRoleEndsTheConnection)
+{
+    fakePeer(otherPort);
+    Store("Connection", "Network");
+    Store("TCP address", "127.0.0.1:4100");
+    Store("Serial port", "COM5");
+    EXPECT_TRUE(Open());
+    ASSERT_TRUE(Comes([&] { return Name(Form->ConnectButton) == "Disconnect"; }));
+    const unsigned peer = fakePeerOf(otherPort);
+    Choose("Serial port");
+    EXPECT_TRUE(Comes([&] { return fakePeerEnded(peer); }));
+    EXPECT_FALSE(Form->ConnectButton->Checked());
+    EXPECT_FALSE(Form->ConnectButton->HasState(stateVisible));
+    EXPECT_TRUE(Hear(Position, "NMEA")) << "from the port";
+}
+
 }  // namespace
