@@ -1,5 +1,7 @@
 #include "tests/toolkit/storm/storm.h"
 
+#include "tests/await.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -184,19 +186,28 @@ void storm::CheckControl(const ctrlWindow* control, std::set<const ctrlWindow*>&
     }
 }
 
-// What is to be drawn and can be seen waits for a paint that was asked for.
-void storm::CheckMarks(const ctrlWindow* control, bool asked)
+// Whether something in it is to be drawn and can be seen.
+bool storm::HasMarks(const ctrlWindow* control)
 {
     if (!control->HasState(stateVisible) || control->HasState(stateClosing))
-        return;
-    ASSERT_TRUE(asked || !control->HasState(stateDirty | stateDirtyBelow)) << "nobody asked for its paint";
+        return false;
+    if (control->HasState(stateDirty | stateDirtyBelow))
+        return true;
     const auto areaOf = [](const ctrlWindow* one, int32_t x, int32_t y) {
         return rect{x, y, x + static_cast<int32_t>(one->Width()), y + static_cast<int32_t>(one->Height())};
     };
     for (const ctrlWindow* child = control->FirstChild(); child; child = child->NextSibling()) {
-        if (rectMeet(areaOf(child, child->X(), child->Y()), areaOf(control, 0, 0)))
-            CheckMarks(child, asked);
+        if (rectMeet(areaOf(child, child->X(), child->Y()), areaOf(control, 0, 0)) && HasMarks(child))
+            return true;
     }
+    return false;
+}
+
+// What waits to be drawn has been asked for, or will be at once by the thread that marks it.
+void storm::CheckMarks(const ctrlWindow* window)
+{
+    ASSERT_TRUE(await([&] { return window->HasState(statePaintAsked) || !HasMarks(window); }))
+        << "nobody asked for its paint";
 }
 
 // Who holds the capture lives, and can be seen and used.
@@ -223,7 +234,7 @@ void storm::CheckDrawn()
     for (const ctrlWindow* window : Toolkit().WindowList()) {
         if (window->HasState(stateMinimised))
             continue;
-        ASSERT_NO_FATAL_FAILURE(CheckMarks(window, false));
+        ASSERT_FALSE(HasMarks(window));
     }
 }
 
@@ -234,7 +245,7 @@ void storm::Check()
     for (const ctrlWindow* window : Toolkit().WindowList()) {
         ASSERT_TRUE(handles.insert(window->Handle()).second);
         CheckControl(window, seen);
-        CheckMarks(window, window->HasState(statePaintAsked));
+        CheckMarks(window);
         CheckCapture(window);
     }
     const ctrlWindow* focused = Toolkit().Focused;

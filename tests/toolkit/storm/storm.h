@@ -116,7 +116,8 @@ private:
     void Run();
     void Blow(const ctrlLife& run, unsigned left);
     static void CheckControl(const ctrlWindow* control, std::set<const ctrlWindow*>& seen);
-    static void CheckMarks(const ctrlWindow* control, bool asked);
+    static bool HasMarks(const ctrlWindow* control);
+    static void CheckMarks(const ctrlWindow* window);
     static void CheckCapture(const ctrlWindow* window);
 
     std::function<void(storm&)> User;
