@@ -72,7 +72,8 @@ iconId makeIcon()
 
 void complain(const char* text)
 {
-    std::fprintf(stderr, "%s: %s\n", programName, text);
+    for (const char* const piece : {programName, ": ", text, "\n"})
+        std::fputs(piece, stderr);
 }
 
 // Until the form is gone, or its display.
