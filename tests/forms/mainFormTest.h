@@ -80,15 +80,17 @@ protected:
         return Comes([&] { return Form->StatusLabel->Name() == status; });
     }
 
-    // A receiver that says this until the form has seen it.
+    // A receiver that says this until the form has seen it, and has laid out and painted all.
     bool Hear(const std::string& bytes, const std::string& protocol)
     {
-        return Comes([&] {
+        const bool isSeen = Comes([&] {
             if (Form->ProtocolLabel->Name() == protocol && Form->Page)
                 return true;
             fakePortReceive("COM5", bytes);
             return false;
         });
+        // Another thread may have marked something, and be about to ask for its paint.
+        return isSeen && Comes([&] { return !Form->HasState(stateDirty | stateDirtyBelow | stateLayout); });
     }
 
     // Whether a receiver that speaks NMEA has told all that it was to tell: while the search goes on the line
