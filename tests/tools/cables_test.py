@@ -11,6 +11,7 @@ import struct
 import subprocess
 import time
 
+import frames
 import results
 from surroundings import PATIENCE, STILL_SECONDS, Scene, await_result, resident_kib
 
@@ -21,26 +22,10 @@ RESET_FROM_BOTTOM = 18
 CUT_SECONDS = 10
 
 
-def message(key, body):
-    return struct.pack("<II", key, len(body)) + body
-
-
-def to_receiver(payload):
-    return message(0x53534E47, b"STRM" + payload)
-
-
-def ubx_frame(body):
-    sums = [0, 0]
-    for byte in body:
-        sums[0] = (sums[0] + byte) % 256
-        sums[1] = (sums[1] + sums[0]) % 256
-    return b"\xB5\x62" + body + bytes(sums)
-
-
 def speed_of_line(baud):
     """CFG-PRT of the first line: 8 bits, no parity, all protocols."""
     body = struct.pack("<BBHIIHHHH", 1, 0, 0, 0x8D0, baud, 7, 3, 0, 0)
-    return ubx_frame(bytes([0x06, 0x00]) + struct.pack("<H", len(body)) + body)
+    return frames.ubx(0x06, 0x00, body)
 
 
 class ReceiverTest(Scene):
@@ -90,7 +75,7 @@ class ReceiverTest(Scene):
         self.simulate("--model", "m8", "--line", "9600N1")
         server, port = self.serve()
         with socket.create_connection(("127.0.0.1", port)) as other:
-            other.sendall(to_receiver(speed_of_line(4800)))
+            other.sendall(frames.stream(speed_of_line(4800)))
             lines = self.home / "served"
             # After a quarter of a minute of silence, and then as at the start.
             self.assertTrue(await_result(lambda: self.statuses(lines)[-1].startswith("Waiting for")))
@@ -123,7 +108,7 @@ class ServerTest(Scene):
         self.addCleanup(server.send_signal, signal.SIGCONT)
         with socket.create_connection(("127.0.0.1", port)) as pushing:
             pushing.setblocking(False)
-            piece = to_receiver(b"\0" * 60_000)
+            piece = frames.stream(b"\0" * 60_000)
             pushed = 0
             while pushed < 64_000_000:
                 try:
@@ -142,7 +127,7 @@ class ServerTest(Scene):
     def test_a_client_that_says_more_than_the_line_carries_fills_no_memory(self):
         self.simulate("--model", "nmea", "--line", "4800N1")
         server, port = self.serve()
-        piece = to_receiver(b"\0" * 1_000_000)
+        piece = frames.stream(b"\0" * 1_000_000)
         with socket.create_connection(("127.0.0.1", port), PATIENCE) as pushing:
             for _ in range(2 * MIB_AT_MOST):
                 pushing.sendall(piece)
