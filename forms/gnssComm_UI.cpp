@@ -198,7 +198,8 @@ void gnssComm::UI::ListenToNetwork()
 {
     Server.OnCommand = [this](const uint8_t* bytes, size_t count) { Comm.Write(bytes, count); };
     Server.OnClients = [this](unsigned) { CountClients(); };
-    Server.OnFailed = [this] { PostHere([this] { ServerFailed(); }); };
+    Server.OnFailed = [this] { PostHere([this] { ServerFailed(cannotServe); }); };
+    Server.OnBroken = [this] { PostHere([this] { ServerFailed(servesNoMore); }); };
     Client.OnStream = [this](const uint8_t* bytes, size_t count) { Comm.Feed(bytes, count); };
     Client.OnWrongServer = [this] { PostHere([this] { WrongServer(); }); };
     Client.OnEvent = [this](const uint32_t& event) { PostHere([this, event] { Client_OnEvent(event); }); };

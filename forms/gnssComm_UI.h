@@ -60,6 +60,8 @@ public:
 private:
     static constexpr uint32_t stateEmbedded = 0x8000;
     static constexpr char waitingForReply[] = "Waiting for device reply...";
+    static constexpr char cannotServe[] = "Cannot start the server for allowing remote control!";
+    static constexpr char servesNoMore[] = "The server for allowing remote control has ended!";
 
     // --- Making
     ctrlLabel* AddLabel(const char* text, unsigned textFlags, bool measures);
@@ -94,7 +96,7 @@ private:
 
     // --- Server and client
     void ApplyServer();
-    void ServerFailed();
+    void ServerFailed(const char* text);
     void CountClients();
     void ConnectClicked();
     void GiveUp();

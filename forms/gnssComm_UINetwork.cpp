@@ -32,19 +32,19 @@ void gnssComm::UI::ApplyServer()
     ServerPortEdit->Enable(!on);
 }
 
-void gnssComm::UI::ServerFailed()
+void gnssComm::UI::ServerFailed(const char* text)
 {
     // One that was ended meanwhile has nothing to tell.
     if (!ServerOn)
         return;
+    Server.Stop(false);
     ServerButton->Checked(false);
     ServerOn = false;
     ServerOnSetting.Value = false;
     PortBox->Enable(true);
     ServerPortEdit->Enable(true);
     CountClients();
-    uiMessage::Execute(static_cast<ctrlForm*>(this), failureTitle,
-                       "Cannot start the server for allowing remote control!");
+    uiMessage::Execute(static_cast<ctrlForm*>(this), failureTitle, text);
 }
 
 // Any thread.
@@ -115,8 +115,10 @@ void gnssComm::UI::Client_OnEvent(uint32_t event)
         GiveUp();
     else
         ConnectButton->Caption("Connecting");
-    if (Comm.Network)
+    if (Comm.Network) {
         StopRun();
+        Status(givenUp ? "" : waitingForReply);
+    }
 }
 
 void gnssComm::UI::WrongServer()

@@ -8,6 +8,8 @@ gnssCommServer::gnssCommServer()
     Server.OnEvent = [this](const uint32_t& event) {
         if (event == netTCPSrv::EventFailed && OnFailed)
             OnFailed();
+        if (event == netTCPSrv::EventAcceptFailed && Server.HasSocket() && OnBroken)
+            OnBroken();
     };
 }
 

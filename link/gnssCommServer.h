@@ -41,6 +41,7 @@ public:
     std::function<void(const uint8_t*, size_t)> OnCommand;  // bytes of a client for the receiver
     std::function<void(unsigned clients)> OnClients;        // their number changed
     std::function<void()> OnFailed;                         // the port cannot be had
+    std::function<void()> OnBroken;                         // no connection can be accepted any more
 
     // Bytes that may wait for a client that does not read; it is disconnected when there are more. For those
     // that come after a change.

@@ -12,7 +12,7 @@ class netTCPSrv : public netTCPBase
 {
 public:
     // Codes of OnEvent.
-    static constexpr uint32_t EventAcceptFailed = 0;  // the server has ended; EventStopped follows
+    static constexpr uint32_t EventAcceptFailed = 0;  // the server ends, asked or not; EventStopped follows
     static constexpr uint32_t EventStopped = 1;
     static constexpr uint32_t EventFailed = 2;  // the port cannot be had; EventStopped follows
     static constexpr uint32_t EventListening = 3;
@@ -27,6 +27,9 @@ public:
 
     // The port that the system gave when 0 was asked for; 0 while the server does not listen.
     uint16_t ListeningPort() const { return Bound; }
+
+    // False once it was closed. Tells, in EventAcceptFailed, a server that broke from one that was ended.
+    bool HasSocket() const { return Socket != socketNone; }
 
     // Starts to listen, or starts anew; connections then are told that it ends. Returns once the thread has
     // started.

@@ -19,6 +19,25 @@ protected:
         return false;
     }
 
+    // Lets `act` run while somebody closes the box of a failure: it runs a pump of its own.
+    template <class Act>
+    void CloseFailureDuring(Act act)
+    {
+        std::atomic<bool> wasShown{false};
+        {
+            const std::jthread reader([&wasShown](const std::stop_token& stop) {
+                while (!stop.stop_requested()) {
+                    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+                    Toolkit().Post([&wasShown] { wasShown = wasShown || CloseBox("Connection failure"); },
+                                   true);
+                }
+            });
+            act();
+            EXPECT_TRUE(Comes([&] { return wasShown.load(); }));
+        }
+        Toolkit().PumpPending();
+    }
+
     // The titles of the boxes that are open.
     static std::vector<std::string> Boxes()
     {
@@ -84,23 +103,29 @@ TEST_F(mainFormNetworkTest, AServerWhosePortIsTakenSaysSoAndLetsGo)
     OpenAtPort();
     fakeSocketFail("socketListen", 98);
     fakeSocketFail("socketBind", 98);
-    std::atomic<bool> wasShown{false};
-    {
-        // The box runs a pump of its own, in which somebody closes it.
-        const std::jthread reader([&wasShown](const std::stop_token& stop) {
-            while (!stop.stop_requested()) {
-                std::this_thread::sleep_for(std::chrono::milliseconds(5));
-                Toolkit().Post([&wasShown] { wasShown = wasShown || CloseBox("Connection failure"); }, true);
-            }
-        });
-        Press(Form->ServerButton);
-        EXPECT_TRUE(Comes([&] { return wasShown.load(); }));
-    }
-    Toolkit().PumpPending();
+    CloseFailureDuring([&] { Press(Form->ServerButton); });
     EXPECT_TRUE(Comes([&] { return !Form->ServerButton->Checked(); }));
     EXPECT_FALSE(Form->ServerOnSetting.Value);
     EXPECT_TRUE(Form->PortBox->IsEnabled());
     EXPECT_EQ(Name(Form->ClientsLabel), "");
+}
+
+TEST_F(mainFormNetworkTest, AServerThatCanAcceptNobodyAnyMoreSaysSoAndEndsItsClients)
+{
+    OpenAtPort();
+    ASSERT_TRUE(Hear(Position, "NMEA"));
+    Press(Form->ServerButton);
+    ASSERT_TRUE(Comes([&] { return Form->Server.ListeningPort() != 0; }));
+    const unsigned peer = fakePeerConnect(Form->Server.ListeningPort());
+    ASSERT_TRUE(Comes([&] { return Name(Form->ClientsLabel) == "1 client"; }));
+    CloseFailureDuring([] { fakeSocketFail("socketAccept", 24); });
+    EXPECT_TRUE(Comes([&] { return !Form->ServerButton->Checked(); }));
+    EXPECT_TRUE(Form->PortBox->IsEnabled());
+    EXPECT_TRUE(Form->ServerPortEdit->IsEnabled());
+    EXPECT_EQ(Name(Form->ClientsLabel), "");
+    EXPECT_TRUE(Comes([&] { return fakePeerEnded(peer); }));
+    Press(Form->ServerButton);
+    EXPECT_TRUE(Comes([&] { return Form->Server.ListeningPort() != 0; })) << "it can be started again";
 }
 
 // --- The client
@@ -137,12 +162,15 @@ TEST_F(mainFormNetworkTest, ALostConnectionIsTriedAgainWithoutAWord)
     EXPECT_EQ(Name(Form->ProtocolLabel), "NMEA");
     fakePeerClose(peer);
     EXPECT_TRUE(Comes([&] { return Form->Page == nullptr; }));
+    EXPECT_TRUE(Comes([&] { return Name(Form->StatusLabel) == "Waiting for device reply..."; }));
     EXPECT_TRUE(Boxes().empty());
     EXPECT_TRUE(Comes([&] {
         return fakePeerOf(otherPort) != peer && Name(Form->ConnectButton) == "Disconnect";
     })) << Name(Form->ConnectButton);
     Press(Form->ConnectButton);
     EXPECT_TRUE(Comes([&] { return Name(Form->ConnectButton) == "Connect"; }));
+    fakePeerClose(fakePeerOf(otherPort));
+    EXPECT_TRUE(Comes([&] { return Name(Form->StatusLabel).empty(); }));
     EXPECT_TRUE(Form->AddressEdit->IsEnabled());
 }
 

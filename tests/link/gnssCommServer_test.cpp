@@ -60,6 +60,7 @@ protected:
             Counts.push_back(count);
         };
         Server.OnFailed = [this] { ++Failures; };
+        Server.OnBroken = [this] { ++Breaks; };
     }
 
     ~gnssCommServerTest() override { Server.Stop(true); }
@@ -110,6 +111,7 @@ protected:
     std::string Commands;
     std::vector<unsigned> Counts;
     std::atomic<unsigned> Failures{0};
+    std::atomic<unsigned> Breaks{0};
     gnssCommServer Server;
 };
 
@@ -177,6 +179,21 @@ TEST_F(gnssCommServerTest, IgnoresWhatIsNoCommand)
                            message(pktKey::GNSS, "OTHRxx") + message(0x1234, "STRMyy") +
                            message(pktKey::GNSS, "STRMreal"));
     EXPECT_TRUE(await([&] { return TakeCommands() == "real"; }));
+}
+
+TEST_F(gnssCommServerTest, TellsAServerThatBrokeAndNotOneThatWasEnded)
+{
+    Start();
+    Server.Start(serverPort + 1);
+    ASSERT_TRUE(await([this] { return Server.ListeningPort() == serverPort + 1; }));
+    Server.Stop(false);
+    ASSERT_TRUE(await([this] { return Server.ListeningPort() == 0; }));
+    Server.Stop(true);
+    EXPECT_EQ(Breaks, 0U);
+    Start();
+    fakeSocketFail("socketAccept", fakeCode(socketFault::Other));
+    EXPECT_TRUE(await([this] { return Breaks == 1; }));
+    EXPECT_EQ(Failures, 0U);
 }
 
 TEST_F(gnssCommServerTest, TellsThatItsPortCannotBeHad)

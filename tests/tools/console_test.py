@@ -10,6 +10,7 @@ import os
 import pathlib
 import pty
 import re
+import resource
 import shutil
 import signal
 import socket
@@ -289,6 +290,20 @@ class ServingTest(Scene):
             self.assertIsNotNone(client.await_line(lambda text: data_of(text) and data_of(text)["Sats"], 20))
         for took in self.end(*clients, server, simulator):
             self.assertLess(took, 2)
+
+    def test_a_server_that_can_accept_nobody_any_more_ends_with_a_word(self):
+        self.simulate("--model", "nmea", "--pty", "ttyB", "--line", "4800N1")
+        console = self.console("--port", "ttyB", "--serve", "0")
+        serving = console.await_line(lambda text: status_of(text).startswith("Serving on port "))
+        port = int(status_of(serving[1]).split()[-1])
+        pid = console.process.pid
+        used = max(map(int, os.listdir(f"/proc/{pid}/fd"))) + 1
+        resource.prlimit(pid, resource.RLIMIT_NOFILE, (used, used))
+        held = [socket.create_connection(("127.0.0.1", port)) for _ in range(4)]
+        self.assertEqual(console.process.wait(20), 1)
+        self.assertIn("The server for allowing remote control has ended!", console.stop()[2])
+        for one in held:
+            one.close()
 
     def test_a_port_that_is_taken_is_told(self):
         self.simulate("--model", "nmea", "--pty", "ttyB", "--line", "4800N1")

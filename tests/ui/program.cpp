@@ -206,6 +206,8 @@ bool clickAt(const ctrlWindow* control, int32_t x, int32_t y)
         return false;
     screenMove(x + 1, y);
     screenMove(x, y);
+    // Where a system reports an older place of the pointer late, the press must not come before it is told.
+    letPass();
     screenPress(screenButton::Left);
     screenRelease(screenButton::Left);
     return true;

@@ -46,6 +46,7 @@ void consoleMonitor::ListenToLink()
     };
     Server.OnCommand = [this](const uint8_t* bytes, size_t count) { Comm.Write(bytes, count); };
     Server.OnFailed = [this] { Leave(NoteServerFailed); };
+    Server.OnBroken = [this] { Leave(NoteServerBroken); };
     Comm.OnRawData = [this](const std::vector<uint8_t>& block) {
         LastBytes = clockSteadyNs();
         if (Options.Serve)
@@ -135,6 +136,10 @@ bool consoleMonitor::Act(uint32_t news, std::string& fault)
 {
     if ((news & NoteServerFailed) != 0) {
         fault = "Cannot start the server for allowing remote control!";
+        return false;
+    }
+    if ((news & NoteServerBroken) != 0) {
+        fault = "The server for allowing remote control has ended!";
         return false;
     }
     if ((news & NoteWrongServer) != 0) {

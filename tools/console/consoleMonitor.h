@@ -60,6 +60,7 @@ private:
         NoteWrongServer = 16,
         NoteServerFailed = 32,
         NoteProbing = 64,
+        NoteServerBroken = 128,
     };
 
     void ListenToLink();
