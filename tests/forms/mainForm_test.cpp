@@ -79,7 +79,8 @@ TEST_F(mainFormTest, ResetReachesAReceiverThatIsSilent)
 {
     OpenAtPort();
     ASSERT_TRUE(Hear(Position, "NMEA"));
-    // The search may have let go of a part of what it said before.
+    // A search that is still on may forget the model once more.
+    ASSERT_TRUE(HasHeardAll());
     fakePortReceive("COM5", nvsVersion);
     ASSERT_TRUE(Comes([&] {
         const thrSpinHold hold(Form->Comm.Lock);

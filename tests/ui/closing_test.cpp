@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int64_t EndMs = 1500;
+constexpr int64_t EndMs = 3000;
 constexpr char modelName[] = "u-blox Neo-M9N";
 
 class closingUi : public uiTest

@@ -165,7 +165,7 @@ TEST_F(networkUi, AServerThatReturnsIsFoundAgainWithoutAWord)
     EXPECT_TRUE(Program.Form->ServerButton->Checked());
     ASSERT_TRUE(comes([&] { return Program.Form->Server.ListeningPort() == port; })) << Program.Status();
     const int64_t back = msOf([&] { EXPECT_TRUE(comes([&] { return Connection() == "Disconnect"; })); });
-    EXPECT_LE(back, 2000 + 500);
+    EXPECT_LE(back, 3900) << "one attempt, not two";
     EXPECT_TRUE(comes([&] { return Second.Shows(modelName, "UBX"); })) << Second.Status();
     EXPECT_THAT(Boxes.Titles(), IsEmpty());
 }
@@ -181,7 +181,7 @@ TEST_F(networkUi, AnAttemptIsRepeatedEveryTwoSeconds)
     ASSERT_EQ(server.Port(), port);
     const int64_t waited = msOf([&] { EXPECT_TRUE(comes([&] { return Connection() == "Disconnect"; })); });
     EXPECT_GE(waited, 1500);
-    EXPECT_LE(waited, 2500);
+    EXPECT_LE(waited, 3900) << "the next attempt, not the one after";
     EXPECT_THAT(Boxes.Titles(), IsEmpty());
 }
 

@@ -12,8 +12,8 @@
 
 namespace {
 
-// Stopping takes at most this long, whatever the state.
-constexpr int64_t StopMs = 300;
+// What is not waited for would take two seconds or more; a stop itself takes some ten milliseconds.
+constexpr int64_t StopMs = 1000;
 
 // Many threads that end at once need the processor one after the other, and a busy machine has little of it.
 constexpr int64_t StopManyMs = 3000;
