@@ -64,6 +64,10 @@ def cell(columns, place, shift):
     return columns[at:at + DIGIT_WIDTH]
 
 
+def is_empty(columns):
+    return len({value for column in columns for value in column}) == 1
+
+
 def difference(one, other):
     return sum(abs(a - b) for left, right in zip(one, other) for a, b in zip(left, right))
 
@@ -92,6 +96,8 @@ class Clock:
         picture = self.picture()
         for place, digit in enumerate(spoken(seconds)):
             shape = cell(picture, place, 0)
+            if is_empty(shape):
+                continue
             self.seen.add((place, digit))
             known = self.shapes.setdefault(digit, [])
             if shape not in known:
@@ -101,6 +107,10 @@ class Clock:
         return self.seen >= {(place, digit) for place in TEACHERS for digit in "0123456789"}
 
     def digit(self, picture, place):
+        # Before ten o'clock nothing stands there.
+        if place == 0 and is_empty(cell(picture, place, 0)):
+            return "0"
+
         def unlikeness(one):
             return min(difference(cell(picture, place, shift), known) for known in self.shapes[one] for shift in SHIFTS)
 
