@@ -73,6 +73,10 @@ void ctrlWindow::Route(MouseEv event, unsigned keys, int32_t x, int32_t y, int d
 {
     if (!Enabled)
         return;
+    const int32_t left = x;
+    const int32_t top = y;
+    const ctrlLife root(this);
+    const bool isHeld = CaptureHolder && CaptureHolder != this;
     ctrlWindow* target = RouteTarget(x, y);
     const ctrlLife life(target);
     switch (event) {
@@ -92,6 +96,22 @@ void ctrlWindow::Route(MouseEv event, unsigned keys, int32_t x, int32_t y, int d
     Toolkit().MouseX = x;
     Toolkit().MouseY = y;
     target->MouseEvent(event, keys, delta);
+    if (root && Enabled && isHeld && !CaptureHolder && (keys & (keysLeft | keysRight | keysMiddle)) == 0)
+        PassMouseOn(target, keys, left, top);
+}
+
+// Only the holder has heard that the mouse went on to another control. A press may be what comes next, and is
+// for one that knows of the mouse.
+void ctrlWindow::PassMouseOn(const ctrlWindow* from, unsigned keys, int32_t x, int32_t y)
+{
+    const bool isHere =
+        x >= 0 && y >= 0 && x < static_cast<int64_t>(Width()) && y < static_cast<int64_t>(Height());
+    ctrlWindow* target = HitTest(x, y);
+    if (!isHere || target == from)
+        return;
+    Toolkit().MouseX = x;
+    Toolkit().MouseY = y;
+    target->MouseEvent(MouseEv::Move, keys, 0);
 }
 
 void ctrlWindow::FocusByPress(ctrlWindow* target)

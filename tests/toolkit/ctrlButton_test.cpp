@@ -68,6 +68,25 @@ TEST_F(ctrlButtonTest, DraggingOffGivesNoClickAndDraggingBackDoes)
     EXPECT_EQ(Clicks, 1);
 }
 
+TEST_F(ctrlButtonTest, TakesTheClickAlsoWhereThePointerJumpedToItFromAnother)
+{
+    ctrlButton* one = Button();
+    ctrlButton* other = Button(buttonKind::Push, 100);
+    MoveTo(one, 5, 5);
+    MoveTo(other, 5, 5);
+    EXPECT_EQ(other->BorderColour(), lit);
+    Press();
+    Release();
+    EXPECT_EQ(Clicks, 1);
+    MoveTo(other, 6, 6);
+    Press();
+    MoveTo(one, 5, 5);
+    EXPECT_EQ(one->BorderColour(), 0x606060) << "it is not the one that was pressed";
+    Release();
+    EXPECT_EQ(one->BorderColour(), lit);
+    EXPECT_EQ(Clicks, 1);
+}
+
 TEST_F(ctrlButtonTest, LightsItsBorderUnderThePointer)
 {
     ctrlButton* button = Button();

@@ -160,6 +160,20 @@ TEST_F(ctrlWindowMouseTest, AMoveIsTheEndOfTheCaptureUnlessAControlSaysOtherwise
     EXPECT_EQ(fakeCallCount("windowReleaseCapture"), 1U);
 }
 
+TEST_F(ctrlWindowMouseTest, AMoveThatEndsTheCaptureGoesOnToTheControlUnderIt)
+{
+    Upper->CaptureTake();
+    fakeMouseMove(150, 150);
+    EXPECT_THAT(Heard(), ElementsAre("upper move 40,40", "lower move 20,20"));
+    Upper->CaptureTake();
+    fakeMouseMove(500, 600);
+    EXPECT_THAT(Heard(), ElementsAre("upper move 390,490")) << "there is nobody";
+    Upper->CaptureTake();
+    Upper->Base = false;
+    fakeMouseMove(150, 150);
+    EXPECT_THAT(Heard(), ElementsAre("upper move 40,40")) << "the capture stays";
+}
+
 TEST_F(ctrlWindowMouseTest, OnlyWhoIsVisibleAndEnabledTakesTheCapture)
 {
     Panel->Hide();
