@@ -2,6 +2,7 @@
 // where it leads in netTCPCliAddress.cpp.
 #include "link/netTCPCli.h"
 
+#include "platform/clock.h"
 #include "platform/thread.h"
 
 #include <algorithm>
@@ -12,6 +13,7 @@ constexpr uint32_t PollMs = 10;
 constexpr uint32_t KeepAliveSeconds = 7200;
 constexpr uint32_t KeepAliveIntervalMs = 1000;
 constexpr size_t DropSize = 16;
+constexpr int64_t NsPerMs = 1'000'000;
 
 }  // namespace
 
@@ -58,9 +60,24 @@ void netTCPCli::Interrupt()
     if (Is(Connecting))
         CloseSocket();
     else if (Is(Connected) && socket != socketNone)
-        socketShutdownSend(socket);
+        SayFarewell(socket);
     else
         WaitEvent.Signal();
+}
+
+// Handles are never used again, so what is noted here cannot be taken for the farewell of a later connection.
+void netTCPCli::SayFarewell(socketHandle socket)
+{
+    if (ToldSocket != socket) {
+        ToldAtNs = clockSteadyNs();
+        ToldSocket = socket;
+    }
+    socketShutdownSend(socket);
+}
+
+bool netTCPCli::IsForsaken(socketHandle socket) const
+{
+    return ToldSocket == socket && clockSteadyNs() - ToldAtNs >= FarewellMs * NsPerMs;
 }
 
 // Until there is a socket that can be closed, or nothing to close any more.
@@ -164,6 +181,8 @@ void netTCPCli::Serve()
 bool netTCPCli::Turn(socketHandle socket)
 {
     socketEvents events;
+    if (IsForsaken(socket))
+        return false;
     const int result = socketPoll(socket, SendQueue != nullptr, PollMs, events);
     if (result < 0)
         return false;

@@ -45,9 +45,13 @@ public:
     // Starts to connect, or ends what is under way and starts anew. Returns once the thread has started.
     void Connect();
 
+    // A peer that was told of the end has so long to end its side as well. One that hangs would otherwise
+    // keep its connection, and with it the next attempt, for ever.
+    static constexpr uint32_t FarewellMs = 2000;
+
     // Ends the connection. `final`: for good, and when it returns the thread has ended (unless it is the
-    // caller's). Otherwise the peer is told, what was sent still arrives, and with RetryMs set a new attempt
-    // follows.
+    // caller's). Otherwise the peer is told, what was sent still arrives, within FarewellMs the connection is
+    // over, and with RetryMs set a new attempt follows.
     void Disconnect(bool final);
 
     // Ends the connection without a word to the peer, as if it were broken. Any thread.
@@ -90,6 +94,8 @@ private:
     bool TakeData();
     bool SendQueued(socketHandle socket);
     bool IsSound(socketHandle socket);
+    void SayFarewell(socketHandle socket);
+    bool IsForsaken(socketHandle socket) const;
     void EndConnection();
     void Interrupt();
     void WaitWhileConnecting();
@@ -105,7 +111,9 @@ private:
     thrEvent WaitEvent;  // between two attempts
     std::atomic<netSendNode*> SendQueue{nullptr};
     netSendNode* SendTail = nullptr;
-    thrSpin SendLock;  // guards the queue's links and the order of sends
+    thrSpin SendLock;                                  // guards the queue's links and the order of sends
+    std::atomic<int64_t> ToldAtNs{0};                  // when the peer of ToldSocket was told of the end
+    std::atomic<socketHandle> ToldSocket{socketNone};  // written after ToldAtNs
     mutable thrSpin AddressLock;
     socketAddress Address;
 };

@@ -159,6 +159,38 @@ TEST_F(netTCPCliTest, ComesBackAfterItWasDisconnectedButNotForGood)
     EXPECT_EQ(Told.Count(netTCPCli::EventConnected), connected);
 }
 
+TEST_F(netTCPCliTest, LetsGoOfAPeerThatWasToldOfTheEndAndHangs)
+{
+    ASSERT_TRUE(ConnectAndAwait());
+    const int64_t told = clockSteadyNs();
+    Client.Disconnect(false);
+    // One that goes on as if nothing had happened has no more time than one that is silent.
+    const bool ended = await([&] {
+        fakePeerSend(Peer(), "more");
+        return !Client.IsAlive();
+    });
+    ASSERT_TRUE(ended);
+    EXPECT_GE(clockSteadyNs() - told, netTCPCli::FarewellMs * 1'000'000LL);
+    EXPECT_THAT(TakeReceived(), testing::StartsWith("more")) << "what comes on the way is still taken";
+    EXPECT_EQ(fakeSocketHandles(), 0U);
+}
+
+TEST_F(netTCPCliTest, GoesToAnotherPeerThoughTheFirstHangs)
+{
+    constexpr uint16_t otherPort = peerPort + 1;
+    fakePeer(otherPort);
+    Client.RetryMs = 50;
+    ASSERT_TRUE(ConnectAndAwait());
+    Client.SetAddress(loopback(otherPort));
+    ASSERT_TRUE(ConnectAndAwait());
+    EXPECT_NE(fakePeerOf(otherPort), 0U);
+    // The time that the first had is not the second one's.
+    const int64_t since = clockSteadyNs();
+    ASSERT_TRUE(await([&] { return clockSteadyNs() - since > 2 * netTCPCli::FarewellMs * 1'000'000LL; }));
+    EXPECT_EQ(Told.Count(netTCPCli::EventConnected), 2U);
+    Client.Disconnect(true);
+}
+
 TEST_F(netTCPCliTest, EndsAConnectThatHangs)
 {
     for (const uint32_t retry : {0U, 2000U}) {

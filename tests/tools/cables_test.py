@@ -19,6 +19,8 @@ FAST = ("--model", "zed-f9r", "--port", "usb", "--rate", "5")
 MIB_AT_MOST = 40  # resident, of a server: six is usual
 RESET_FROM_LEFT = 25
 RESET_FROM_BOTTOM = 18
+CONNECT_FROM_RIGHT = 30
+CONNECT_FROM_TOP = 35
 CUT_SECONDS = 10
 
 
@@ -31,10 +33,8 @@ def speed_of_line(baud):
 class ReceiverTest(Scene):
     def press_reset(self):
         """The button in the page's lower left corner."""
-        window = self.windows()[0]
-        geometry = self.xdotool("getwindowgeometry", "--shell", window)
-        height = next(int(line.split("=")[1]) for line in geometry.splitlines() if line.startswith("HEIGHT="))
-        self.xdotool("mousemove", "--window", window, RESET_FROM_LEFT, height - RESET_FROM_BOTTOM, "click", 1)
+        _, height = self.size()
+        self.click(RESET_FROM_LEFT, height - RESET_FROM_BOTTOM)
 
     def test_a_receiver_that_was_unplugged_is_found_again_by_reset(self):
         simulator = self.simulate(*FAST)
@@ -123,6 +123,20 @@ class ServerTest(Scene):
         self.assert_ends(program)
         server.terminate()
         self.assert_ends(server)
+
+    def test_a_server_that_hangs_is_let_go_of(self):
+        self.simulate(*FAST)
+        server, port = self.serve()
+        program = self.open_client(f"127.0.0.1:{port}")
+        self.assert_page_lives()
+        server.send_signal(signal.SIGSTOP)
+        self.addCleanup(server.send_signal, signal.SIGCONT)
+        self.assert_page_stands_still()
+        width, _ = self.size()
+        self.click(width - CONNECT_FROM_RIGHT, CONNECT_FROM_TOP)
+        self.assert_no_page()
+        self.close()
+        self.assert_ends(program)
 
     def test_a_client_that_says_more_than_the_line_carries_fills_no_memory(self):
         self.simulate("--model", "nmea", "--line", "4800N1")

@@ -124,6 +124,16 @@ class Scene(unittest.TestCase):
     def windows(self):
         return self.xdotool("search", "--onlyvisible", "--name", "^Skyreckoning$").split()
 
+    def size(self):
+        """Width and height of the window."""
+        geometry = dict(line.split("=") for line in
+                        self.xdotool("getwindowgeometry", "--shell", self.windows()[0]).splitlines())
+        return int(geometry["WIDTH"]), int(geometry["HEIGHT"])
+
+    def click(self, x, y):
+        """At that place of the window."""
+        self.xdotool("mousemove", "--window", self.windows()[0], x, y, "click", 1)
+
     def close(self, count=1):
         """Closes that many windows, as a window manager does."""
         shown = await_result(lambda: len(self.windows()) >= count and self.windows())
