@@ -175,6 +175,15 @@ TEST_F(socketBytesContract, TellsOfTheEndAfterTheLastByte)
     EXPECT_EQ(socketReceive(both.Near, &byte, 1), 0);
 }
 
+TEST_F(socketBytesContract, TellsOfTheEndOfAPeerThatWouldStillReceive)
+{
+    const ends both = Connect();
+    EXPECT_TRUE(socketShutdownSend(both.Far));
+    EXPECT_TRUE(AwaitEvent(both.Near, &socketEvents::HungUp));
+    char byte = 0;
+    EXPECT_EQ(socketReceive(both.Near, &byte, 1), 0);
+}
+
 TEST_F(socketBytesContract, GoesOnReceivingAfterItHasEndedSending)
 {
     const ends both = Connect();
