@@ -86,11 +86,20 @@ class ReceiverTest(Scene):
 
 
 class ServerTest(Scene):
-    def test_a_client_follows_a_server_that_is_killed_and_comes_back(self):
+    def follow(self):
+        """A server, its port, and the program that shows what it serves."""
         self.simulate(*FAST)
         server, port = self.serve()
         program = self.open_client(f"127.0.0.1:{port}")
         self.assert_page_lives()
+        return server, port, program
+
+    def stop(self, process):
+        process.send_signal(signal.SIGSTOP)
+        self.addCleanup(process.send_signal, signal.SIGCONT)
+
+    def test_a_client_follows_a_server_that_is_killed_and_comes_back(self):
+        server, port, program = self.follow()
         server.kill()
         server.wait()
         self.assert_no_page()
@@ -100,12 +109,8 @@ class ServerTest(Scene):
         self.assert_ends(program)
 
     def test_a_server_that_was_stopped_goes_on_with_all_its_clients(self):
-        self.simulate(*FAST)
-        server, port = self.serve()
-        program = self.open_client(f"127.0.0.1:{port}")
-        self.assert_page_lives()
-        server.send_signal(signal.SIGSTOP)
-        self.addCleanup(server.send_signal, signal.SIGCONT)
+        server, port, program = self.follow()
+        self.stop(server)
         with socket.create_connection(("127.0.0.1", port)) as pushing:
             pushing.setblocking(False)
             piece = frames.stream(b"\0" * 60_000)
@@ -125,12 +130,8 @@ class ServerTest(Scene):
         self.assert_ends(server)
 
     def test_a_server_that_hangs_is_let_go_of(self):
-        self.simulate(*FAST)
-        server, port = self.serve()
-        program = self.open_client(f"127.0.0.1:{port}")
-        self.assert_page_lives()
-        server.send_signal(signal.SIGSTOP)
-        self.addCleanup(server.send_signal, signal.SIGCONT)
+        server, _, program = self.follow()
+        self.stop(server)
         self.assert_page_stands_still()
         width, _ = self.size()
         self.click(width - CONNECT_FROM_RIGHT, CONNECT_FROM_TOP)
@@ -154,8 +155,7 @@ class ServerTest(Scene):
         server, port = self.serve()
         stopped, lines = self.console("stopped", "--host", f"127.0.0.1:{port}")
         self.assertTrue(await_result(lambda: self.groups(lines)))
-        stopped.send_signal(signal.SIGSTOP)
-        self.addCleanup(stopped.send_signal, signal.SIGCONT)
+        self.stop(stopped)
         program = self.open_client(f"127.0.0.1:{port}")
         self.assert_page_lives()
         count = self.groups(lines)
