@@ -95,6 +95,7 @@ public:
     int32_t MouseY = 0;
     uint8_t CursorId = 0;
     mouseMove LastMove;
+    ctrlWindow* MouseOver = nullptr;  // who heard of the mouse last; null when that one is gone
     pendingFrame Pending;
     uint32_t HighSurrogate = 0;
     float Scale = 1.0F;  // of the window that is being painted

@@ -168,6 +168,8 @@ void ctrlWindow::ForgetInput()
     toolkit.ForgetDeferred(this);
     if (toolkit.Focused == this)
         toolkit.Focused = nullptr;
+    if (toolkit.MouseOver == this)
+        toolkit.MouseOver = nullptr;
     if (toolkit.LastMove.Window == this)
         toolkit.LastMove = {};
     ctrlWindow* root = Root();

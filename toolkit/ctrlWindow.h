@@ -327,7 +327,7 @@ private:
     bool DeliverKey(KeyEv event, uint32_t key);
     ctrlWindow* HitTest(int32_t& x, int32_t& y);
     ctrlWindow* RouteTarget(int32_t& x, int32_t& y);
-    void PassMouseOn(const ctrlWindow* from, unsigned keys, int32_t x, int32_t y);
+    static void Deliver(ctrlWindow* target, MouseEv event, unsigned keys, int32_t x, int32_t y, int delta);
     void FocusByPress(ctrlWindow* target);
     bool IsBelow(const ctrlWindow* ancestor) const;
     bool IsStop() const;

@@ -3,6 +3,25 @@
 
 #include <algorithm>
 
+namespace {
+
+bool isPress(MouseEv event)
+{
+    switch (event) {
+    case MouseEv::LeftDown:
+    case MouseEv::LeftDouble:
+    case MouseEv::MiddleDown:
+    case MouseEv::MiddleDouble:
+    case MouseEv::RightDown:
+    case MouseEv::RightDouble:
+        return true;
+    default:
+        return false;
+    }
+}
+
+}  // namespace
+
 void ctrlWindow::MouseEvent(MouseEv event, unsigned /*keys*/, int /*delta*/)
 {
     switch (event) {
@@ -73,45 +92,27 @@ void ctrlWindow::Route(MouseEv event, unsigned keys, int32_t x, int32_t y, int d
 {
     if (!Enabled)
         return;
-    const int32_t left = x;
-    const int32_t top = y;
-    const ctrlLife root(this);
-    const bool isHeld = CaptureHolder && CaptureHolder != this;
     ctrlWindow* target = RouteTarget(x, y);
     const ctrlLife life(target);
-    switch (event) {
-    case MouseEv::LeftDown:
-    case MouseEv::LeftDouble:
-    case MouseEv::MiddleDown:
-    case MouseEv::MiddleDouble:
-    case MouseEv::RightDown:
-    case MouseEv::RightDouble:
-        FocusByPress(target);
-        break;
-    default:
-        break;
+    if (isPress(event)) {
+        const bool isHeld = CaptureHolder && CaptureHolder != this;
+        // A press is for one that knows of the mouse. Whoever came to lie under it, or was jumped to while
+        // another one held it, has not heard of it.
+        if (!isHeld && Toolkit().MouseOver != target)
+            Deliver(target, MouseEv::Move, keys & ~(keysLeft | keysRight | keysMiddle), x, y, 0);
+        if (life)
+            FocusByPress(target);
     }
-    if (!life)
-        return;
+    if (life)
+        Deliver(target, event, keys, x, y, delta);
+}
+
+void ctrlWindow::Deliver(ctrlWindow* target, MouseEv event, unsigned keys, int32_t x, int32_t y, int delta)
+{
+    Toolkit().MouseOver = target;
     Toolkit().MouseX = x;
     Toolkit().MouseY = y;
     target->MouseEvent(event, keys, delta);
-    if (root && Enabled && isHeld && !CaptureHolder && (keys & (keysLeft | keysRight | keysMiddle)) == 0)
-        PassMouseOn(target, keys, left, top);
-}
-
-// Only the holder has heard that the mouse went on to another control. A press may be what comes next, and is
-// for one that knows of the mouse.
-void ctrlWindow::PassMouseOn(const ctrlWindow* from, unsigned keys, int32_t x, int32_t y)
-{
-    const bool isHere =
-        x >= 0 && y >= 0 && x < static_cast<int64_t>(Width()) && y < static_cast<int64_t>(Height());
-    ctrlWindow* target = HitTest(x, y);
-    if (!isHere || target == from)
-        return;
-    Toolkit().MouseX = x;
-    Toolkit().MouseY = y;
-    target->MouseEvent(MouseEv::Move, keys, 0);
 }
 
 void ctrlWindow::FocusByPress(ctrlWindow* target)

@@ -74,16 +74,20 @@ TEST_F(ctrlButtonTest, TakesTheClickAlsoWhereThePointerJumpedToItFromAnother)
     ctrlButton* other = Button(buttonKind::Push, 100);
     MoveTo(one, 5, 5);
     MoveTo(other, 5, 5);
-    EXPECT_EQ(other->BorderColour(), lit);
     Press();
+    EXPECT_EQ(other->BackColour(), lit);
     Release();
     EXPECT_EQ(Clicks, 1);
-    MoveTo(other, 6, 6);
+}
+
+TEST_F(ctrlButtonTest, TakesTheClickAlsoWhereItCameToLieUnderAPointerThatRests)
+{
+    ctrlButton* before = Button();
+    MoveTo(before, 5, 5);
+    delete before;
+    Button();
     Press();
-    MoveTo(one, 5, 5);
-    EXPECT_EQ(one->BorderColour(), 0x606060) << "it is not the one that was pressed";
     Release();
-    EXPECT_EQ(one->BorderColour(), lit);
     EXPECT_EQ(Clicks, 1);
 }
 

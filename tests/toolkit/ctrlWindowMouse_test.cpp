@@ -75,6 +75,8 @@ TEST_F(ctrlWindowMouseTest, EveryButtonHasItsEvents)
         {msgMiddleDown, "middle"}, {msgMiddleUp, "middleup"}, {msgMiddleDouble, "middledouble"},
         {msgMouseMove, "move"},
     };
+    Toolkit().Windows().Send(Main->Handle(), msgMouseMove, 0, windowPoint(-3, -3));
+    Told.clear();
     for (const auto& [number, name] : rows) {
         EXPECT_EQ(Toolkit().Windows().Send(Main->Handle(), number, keysShift, windowPoint(-1, -2)), 0);
         EXPECT_THAT(std::exchange(Told, {}), ElementsAre("main " + std::string(name) + " -1,-2 keys 4"));
@@ -160,18 +162,35 @@ TEST_F(ctrlWindowMouseTest, AMoveIsTheEndOfTheCaptureUnlessAControlSaysOtherwise
     EXPECT_EQ(fakeCallCount("windowReleaseCapture"), 1U);
 }
 
-TEST_F(ctrlWindowMouseTest, AMoveThatEndsTheCaptureGoesOnToTheControlUnderIt)
+TEST_F(ctrlWindowMouseTest, APressComesAfterAMoveToWhoeverDoesNotKnowOfTheMouse)
 {
-    Upper->CaptureTake();
     fakeMouseMove(150, 150);
-    EXPECT_THAT(Heard(), ElementsAre("upper move 40,40", "lower move 20,20"));
+    Heard();
     Upper->CaptureTake();
-    fakeMouseMove(500, 600);
-    EXPECT_THAT(Heard(), ElementsAre("upper move 390,490")) << "there is nobody";
-    Upper->CaptureTake();
-    Upper->Base = false;
-    fakeMouseMove(150, 150);
-    EXPECT_THAT(Heard(), ElementsAre("upper move 40,40")) << "the capture stays";
+    fakeMouseMove(151, 150);
+    Heard();
+    fakeMousePress();
+    fakeMouseRelease();
+    fakeMousePress();
+    EXPECT_THAT(Heard(), ElementsAre("lower move 21,20", "lower left 21,20 keys 1", "lower leftup 21,20",
+                                     "lower left 21,20 keys 1"))
+        << "the holder alone had heard that the mouse moved";
+    fakeMouseRelease();
+    Heard();
+    Lower->Hide();
+    Heard();
+    fakeMousePress(fakeButton::Right);
+    EXPECT_THAT(Heard(), ElementsAre("panel move 41,40", "panel right 41,40 keys 2"))
+        << "what lies there is another control now";
+}
+
+TEST_F(ctrlWindowMouseTest, APressGoesToTheHolderWithoutAMove)
+{
+    fakeMouseMove(115, 116);
+    Heard();
+    Lower->CaptureTake();
+    fakeMousePress();
+    EXPECT_THAT(Heard(), ElementsAre("lower left -15,-14 keys 1"));
 }
 
 TEST_F(ctrlWindowMouseTest, OnlyWhoIsVisibleAndEnabledTakesTheCapture)

@@ -206,6 +206,23 @@ TEST_F(ubloxUi, ResetStartsTheReceiverAnewAndRecognisesItAgain)
     EXPECT_TRUE(comes([&] { return Program.Shows("u-blox 9/M9", "UBX"); })) << Program.Status();
 }
 
+TEST_F(ubloxUi, ResetMayBePressedAgainByAHandThatRests)
+{
+    ASSERT_NO_FATAL_FAILURE(Begin(simModel::M9, "u-blox 9/M9"));
+    const auto place = [this] {
+        const windowArea area = areaOnScreen(Program.Form->ResetButton);
+        return std::pair(area.Left, area.Top);
+    };
+    const std::pair<int32_t, int32_t> before = place();
+    ASSERT_TRUE(clickOn(Program.Form->ResetButton));
+    ASSERT_TRUE(comes([&] { return Program.Form->Page == nullptr; }));
+    ASSERT_TRUE(comes([&] { return Program.Form->ResetButton && place() == before; }));
+    ASSERT_TRUE(comes([&] { return Program.Shows("u-blox 9/M9", "UBX"); })) << Program.Status();
+    screenPress(screenButton::Left);
+    screenRelease(screenButton::Left);
+    EXPECT_TRUE(comes([&] { return Program.Form->Page == nullptr; }));
+}
+
 TEST_F(ubloxUi, ResetWaitsForASendQueueThatDoesNotDrainOnlyForAMoment)
 {
     ASSERT_NO_FATAL_FAILURE(Begin(simModel::M9, "u-blox 9/M9"));
