@@ -195,7 +195,8 @@ public:
 
     static int64_t Receive(const windowMessage& message);
 
-    // Gives a mouse event, with its position in this control's coordinates, to the control that it is for.
+    // Gives a mouse event, with its position in this control's coordinates, to the control that it is for. A
+    // press comes after a move where that control has not heard of the mouse.
     void Route(MouseEv event, unsigned keys, int32_t x, int32_t y, int delta);
     bool IsPaintOverdue(int64_t askedBefore) const;
     void PaintOverdue();
