@@ -58,7 +58,12 @@ protected:
     std::vector<ctrlGraphSpectrum*> SpectrumGraphs;  // one for each RF block; changed while nobody listens
     uint16_t ShownProtVer = 0;                       // of the last refresh, for painting
     uint8_t ShownModel = 0;                          // the same
-    thrTimer SpectrumRest;                           // from one request for a spectrum to the next
+    thrTimer SpectrumRest;                           // until a spectrum is asked for again
+
+    // From a request for a spectrum to the next one, and until an answer counts as lost: on a line of 4800
+    // baud, with all else that a receiver tells, it takes some two seconds.
+    uint32_t SpectrumRestMs = 100;
+    uint32_t SpectrumPatienceMs = 5000;
 
 private:
     static constexpr uint32_t stateBoxClicked = 0x8000;  // since the last refresh
@@ -79,6 +84,7 @@ private:
     ctrlGraphSpectrum* MakeSpectrum(ctrlWindow* parent);
     void SpectrumPainted();
     void AskSpectrum();
+    void LookAfterSpectrum(uint32_t milliseconds);
     void SpectrumRested();
     void PulseChanged();
 

@@ -32,7 +32,6 @@ constexpr double leastMargin = 0.1;  // ns, above and below the history
 constexpr double marginPart = 0.05;
 
 constexpr uint32_t spectrumSide = 100;
-constexpr uint32_t spectrumRestMs = 100;
 constexpr uint32_t spectrumTab = 128;  // a style bit, for those who look for this tab
 
 }  // namespace
@@ -169,7 +168,14 @@ void gnssUBX::UI::AskSpectrum()
     if (SpectrumResting)
         return;
     SpectrumResting = true;
-    SpectrumRest.Period = spectrumRestMs;
+    LookAfterSpectrum(SpectrumRestMs);
+}
+
+// Every so many, from now on.
+void gnssUBX::UI::LookAfterSpectrum(uint32_t milliseconds)
+{
+    SpectrumRest.Stop();
+    SpectrumRest.Period = milliseconds;
     SpectrumRest.OnTick = [this] {
         Toolkit().Post(
             [this, life = ctrlLife(this)] {
@@ -181,13 +187,20 @@ void gnssUBX::UI::AskSpectrum()
     SpectrumRest.Start();
 }
 
+// The rest is over, or the patience. A line that loses the answer, or the request, must not end the circle.
 void gnssUBX::UI::SpectrumRested()
 {
-    if (SpectrumOwed && SpectrumGraphs.front()->IsVisible())
+    const bool isSeen = SpectrumGraphs.front()->IsVisible();
+    const bool isLost = !SpectrumResting && !SpectrumCame;
+    if (isSeen && (SpectrumOwed || isLost))
         return AskSpectrum();
+    const bool isAwaited = isSeen && !SpectrumCame;
     SpectrumOwed = false;
     SpectrumResting = false;
-    SpectrumRest.Stop();
+    if (isAwaited)
+        LookAfterSpectrum(SpectrumPatienceMs);
+    else
+        SpectrumRest.Stop();
 }
 
 // On the data thread. The receiver says where the spectrum lies, so a zoom ends with the next one.

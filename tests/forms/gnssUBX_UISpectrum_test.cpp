@@ -1,4 +1,3 @@
-#include "tests/await.h"
 #include "tests/forms/ubxPageTest.h"
 
 namespace {
@@ -24,20 +23,16 @@ protected:
 
     void LetItRest()
     {
-        for (int rest = 0; rest < 10; ++rest) {
-            Page->SpectrumRest.Signal();
-            letOthersRun();
-            Toolkit().PumpPending();
-        }
+        Page->SpectrumRest.OnTick();
+        Toolkit().PumpPending();
     }
 
-    bool AskedAfterRest()
+    // From here on no rest ends but by LetItRest.
+    void StopTheClock()
     {
-        return await([this] {
-            Page->SpectrumRest.Signal();
-            Toolkit().PumpPending();
-            return Asked();
-        });
+        constexpr uint32_t hourMs = 3'600'000;
+        Page->SpectrumRestMs = hourMs;
+        Page->SpectrumPatienceMs = 2 * hourMs;
     }
 };
 
@@ -123,6 +118,7 @@ TEST_F(gnssUBX_UISpectrumTest, GivesEachBlockItsGraphAndDropsThoseBeyond)
 TEST_F(gnssUBX_UISpectrumTest, AsksForSpectraOnlyWhileSomebodyLooks)
 {
     ShownFor(10);
+    StopTheClock();
     Feed(Pulse(1000));
     Feed(Pulse(2000));
     Feed(SpectrumOf(1));
@@ -137,7 +133,8 @@ TEST_F(gnssUBX_UISpectrumTest, AsksForSpectraOnlyWhileSomebodyLooks)
 
     Feed(SpectrumOf(1));
     Toolkit().PumpPending();
-    EXPECT_TRUE(AskedAfterRest()) << "the answer paints, and the paint asks again";
+    LetItRest();
+    EXPECT_TRUE(Asked()) << "the answer paints, and the paint asks again";
 
     SelectTab(PulseTab);
     Asked();
@@ -149,16 +146,16 @@ TEST_F(gnssUBX_UISpectrumTest, AsksForSpectraOnlyWhileSomebodyLooks)
 TEST_F(gnssUBX_UISpectrumTest, RestsBetweenTwoRequestsHoweverFastTheReceiverAnswers)
 {
     ShownFor(11);
+    StopTheClock();
     SelectTab(SpectrumTab);
     EXPECT_TRUE(Asked());
-    Page->SpectrumRest.Period = 3'600'000;
-    Page->SpectrumRest.Start();
     for (int round = 0; round < 20; ++round) {
         Feed(SpectrumOf(2));
         Toolkit().PumpPending();
         EXPECT_FALSE(Asked()) << round;
     }
-    EXPECT_TRUE(AskedAfterRest());
+    LetItRest();
+    EXPECT_TRUE(Asked());
     LetItRest();
     EXPECT_FALSE(Asked()) << "once: the answer to it is not there yet";
 
@@ -171,6 +168,55 @@ TEST_F(gnssUBX_UISpectrumTest, RestsBetweenTwoRequestsHoweverFastTheReceiverAnsw
     SelectTab(PulseTab);
     LetItRest();
     EXPECT_FALSE(Asked()) << "nobody looks any more";
+}
+
+TEST_F(gnssUBX_UISpectrumTest, AsksAnewForASpectrumThatWasLost)
+{
+    ShownFor(11);
+    EXPECT_EQ(Page->SpectrumRestMs, 100U);
+    EXPECT_EQ(Page->SpectrumPatienceMs, 5000U);
+    StopTheClock();
+    SelectTab(SpectrumTab);
+    EXPECT_TRUE(Asked());
+    for (int loss = 0; loss < 3; ++loss) {
+        LetItRest();
+        EXPECT_FALSE(Asked()) << "it may still come";
+        EXPECT_EQ(Page->SpectrumRest.Period, Page->SpectrumPatienceMs);
+        LetItRest();
+        EXPECT_TRUE(Asked()) << loss;
+        EXPECT_EQ(Page->SpectrumRest.Period, Page->SpectrumRestMs);
+    }
+    LetItRest();
+    Feed(SpectrumOf(2));
+    Toolkit().PumpPending();
+    EXPECT_TRUE(Asked()) << "what came at last is painted";
+    EXPECT_EQ(Page->SpectrumRest.Period, Page->SpectrumRestMs);
+}
+
+TEST_F(gnssUBX_UISpectrumTest, AsksForNothingThatNobodyWouldSee)
+{
+    ShownFor(11);
+    StopTheClock();
+    SelectTab(SpectrumTab);
+    LetItRest();
+    EXPECT_TRUE(Asked());
+    SelectTab(PulseTab);
+    LetItRest();
+    LetItRest();
+    EXPECT_FALSE(Asked()) << "another tab is in front";
+
+    SelectTab(SpectrumTab);
+    EXPECT_TRUE(Asked());
+    LetItRest();
+    fakeUserMinimises(Host->Handle());
+    Toolkit().PumpPending();
+    Feed(SpectrumOf(2));
+    LetItRest();
+    LetItRest();
+    EXPECT_FALSE(Asked()) << "a window that is minimised paints nothing";
+    fakeUserRestores(Host->Handle());
+    Toolkit().PumpPending();
+    EXPECT_TRUE(Asked());
 }
 
 TEST_F(gnssUBX_UISpectrumTest, PollsTheSpectrumWithTheNextFrame)

@@ -31,7 +31,9 @@ public:
     using UI::ShownProtVer;
     using UI::SignalBoxes;
     using UI::SpectrumGraphs;
+    using UI::SpectrumPatienceMs;
     using UI::SpectrumRest;
+    using UI::SpectrumRestMs;
     using UI::Tabs;
     using UI::TDOPBox;
 };
