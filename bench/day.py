@@ -11,6 +11,7 @@ status is 1 when something rises, when clients did not get the same bytes, or wh
 """
 
 import argparse
+import datetime
 import os
 import pathlib
 import random
@@ -31,7 +32,7 @@ LOOKS = 5           # at the screen, in each sample
 LOOK_PAUSE = 0.037  # no part of the pace at which the screen is painted
 SAMPLES = 360       # in the whole time, if it is long enough
 SETTLING = 10       # before the first sample: the tab has opened, all clients are there
-LESSONS = 150       # at most, until all digits are known
+LESSONS = 400       # at most, until all digits are known
 EXAMS = 5           # pauses on end in which what is read must be what stands there
 
 
@@ -77,7 +78,8 @@ class Receiver:
     def __init__(self, folder, environment, arguments):
         self.process = subprocess.Popen(
             [folder / "tools/skysim", "--model", "zed-f9r", "--port", "usb", "--rate", str(arguments.rate), "--speed",
-             str(arguments.speed), "--position", program_load.PLACE, "--pty", "ttyDAY"],
+             str(arguments.speed), "--position", program_load.PLACE, "--time",
+             f"{datetime.date.today().isoformat()}T{screen.LESSONS_BEGIN}", "--pty", "ttyDAY"],
             stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True, env=environment)
         self.process.stdout.readline()
 
@@ -102,7 +104,7 @@ class Watch:
         self.crowd = self.learn(lambda: clients.Crowd(port, self.first, arguments.clients, arguments.comers,
                                                       arguments.period))
         self.crowd.start()
-        self.unread = 0
+        self.looked = self.unread = 0
         self.former = None
 
     @staticmethod
@@ -123,7 +125,7 @@ class Watch:
         self.receiver.silence("on")
         former = None
         while former != (former := (self.times.newest, self.clock.picture())):
-            self.hear(0.4)
+            self.hear(0.25)
         return self.times.newest - LEAP
 
     def learn(self, in_last_pause):
@@ -153,6 +155,7 @@ class Watch:
     def looks(self):
         found = []
         for _ in range(LOOKS):
+            self.looked += 1
             try:
                 found.append(self.look())
             except screen.Unreadable:
@@ -163,7 +166,7 @@ class Watch:
     def sample(self):
         """Since the former one, where it is a rate."""
         now = program_load.sample(self.program.pid)
-        now["solutions"] = self.times.solutions
+        now["solutions"], now["spectra"] = self.times.solutions, self.times.spectra
         before, self.former = self.former, now
         looks = self.looks()
         if before is None or not looks:
@@ -176,7 +179,8 @@ class Watch:
                 "interface": (now["interface"] - before["interface"]) / seconds * 100,
                 "program": (now["whole"] - before["whole"]) / seconds * 100,
                 "age": statistics.median(ages), "worst": max(ages), "late": statistics.median(late),
-                "solutions": (now["solutions"] - before["solutions"]) / seconds}
+                "solutions": (now["solutions"] - before["solutions"]) / seconds,
+                "spectra": (now["spectra"] - before["spectra"]) / seconds}
 
 
 def watch_for(watch, seconds):

@@ -12,6 +12,7 @@ GREETING = 0xFFFF0001
 GNSS = int.from_bytes(b"GNSS", "little")
 IDENTITY = b"Skyreckoning Client v20240612"
 NAV_TIMEUTC = b"\xb5\x62\x01\x21"
+MON_SPAN = b"\xb5\x62\x0a\x31"
 TIME_AT = 6  # of the GPS time of week in NAV-TIMEUTC, behind the head of the frame
 ENOUGH = TIME_AT + 4
 READ = 1 << 18
@@ -78,12 +79,15 @@ class Times:
         self.newest = None
         self.fastest = None
         self.solutions = 0
+        self.spectra = 0
 
     def take(self, block):
         now = time.monotonic()
         text = self.tail + block
-        at = text.rfind(NAV_TIMEUTC, 0, len(text) - ENOUGH + len(NAV_TIMEUTC))
-        self.solutions += text.count(NAV_TIMEUTC, 0, len(text) - ENOUGH + len(NAV_TIMEUTC))
+        end = max(len(text) - ENOUGH + len(NAV_TIMEUTC), 0)
+        at = text.rfind(NAV_TIMEUTC, 0, end)
+        self.solutions += text.count(NAV_TIMEUTC, 0, end)
+        self.spectra += text.count(MON_SPAN, 0, end)
         self.tail = text[-(ENOUGH - 1):]
         if at < 0:
             return

@@ -13,8 +13,10 @@ PANELS = [
     ("Processor", "% of a core", (("interface", "interface thread"), ("program", "whole program"))),
     ("Age of what is shown, against what a client has", "ms", (("age", "median"), ("worst", "oldest"))),
     ("Bytes at a client, behind the receiver", "ms", (("late", "median"),)),
-    ("Solutions", "a second, at a client", (("solutions", "solutions"),)),
+    ("Solutions and spectra", "a second, at a client", (("solutions", "solutions"), ("spectra", "spectra"))),
 ]
+
+MOST_UNREAD = 0.01  # of all looks
 
 PAGE = """# A day in an hour
 
@@ -58,8 +60,10 @@ while memory grew by 70 kB each ten.
   share of it (Pss), and its own (RssAnon). The checked heap is in the last; its own count cannot be seen from outside.
   The share is drawn and not judged: it rises and falls with what other programs map.
 - The age of what is shown is read off the screen: the time in the window, from its pixels, is compared with the newest
-  solution that a client has. What the digits look like is learnt at the start, while the receiver pauses and the time that
-  stands on the screen is known. Five looks each sample; the line shows their median and the oldest.
+  solution that a client has. What the digits look like is learnt at the start, around ten o'clock of
+  the receiver, while it pauses and the time that stands on the screen is known. Five looks each sample; the line shows their
+  median and the oldest.
+- That the spectrum lives is told by the receiver: it is asked for one each time that one was painted.
 - How late the bytes are at that client is told by the receiver's clock: the solution that came soonest of all sets it.
 - Each client counts its bytes and adds up their checksum; in the end all that stayed must have the same.
 
@@ -99,11 +103,14 @@ def outcome(watch, samples, lasted):
     lines.append(f"{crowd.visits} visits of clients that come and go, {crowd.silent} without a byte.")
     arrived = statistics.fmean(sample["solutions"] for sample in samples) / watch.promised if samples else 0
     lines.append(f"{arrived:.1%} of the receiver's solutions arrived; what a port cannot hold is lost, as on a real one.")
-    lines.append(f"{watch.unread} looks at the screen could not be read.")
+    still = sum(sample["spectra"] == 0 for sample in samples)
+    lines.append(f"THE SPECTRUM STOOD STILL in {still} samples." if still else "The spectrum lived all the time.")
+    blind = watch.unread > MOST_UNREAD * watch.looked
+    lines.append(f"{watch.unread} of {watch.looked} looks at the screen could not be read{', WHICH IS TOO MANY' if blind else ''}.")
     rising = verdict.too_much(samples) if len(samples) > 2 else []
     lines += [f"{series.title} RISES: {verdict.rise(samples, series.name):.2f} {series.unit} in the second half, "
               f"{series.limit:g} at most." for series in rising] or ["Nothing rises."]
-    return Outcome(good and equal and not rising, lines)
+    return Outcome(good and equal and not rising and not still and not blind, lines)
 
 
 def table(samples):

@@ -4,20 +4,24 @@ What digits look like is learnt from the program itself: while the receiver paus
 """
 
 import ctypes
+import itertools
 import time
 
 TIME_BOX = (120, 90, 106, 14)  # x, y, width, height in the window, within the frame of the field
 # Where the nine digits of 12:34:56.789 stand in it, up to the pixel to which the system rounds.
-DIGITS_AT = (38, 45, 55, 61, 71, 77, 86, 92, 98)
+DIGITS_AT = (40, 46, 55, 61, 71, 77, 86, 92, 99)
 DIGIT_WIDTH = 6
+GAP = 1  # of these, where the next digit may begin
 SHIFTS = (0, -1, 1)
 ALL_PLANES = 0xFFFFFFFF
 Z_PIXMAP = 2
 # Of a digit that counts as read: the sum of what its pixels differ by, and its part of the same for the next best.
 MOST_UNLIKE = 1500
 MOST_DOUBT = 0.6
-# A digit looks different where it begins within a pixel. Seconds and tenths see all digits, and both beginnings.
-TEACHERS = (5, 6)
+# A digit looks different where it begins within a pixel, by quarters. Minutes, seconds and tenths begin in three of them, and
+# in three others while the hour has one digit.
+TEACHERS = (3, 5, 6)
+LESSONS_BEGIN = "09:30:00"  # of the receiver's day: half an hour, and more than a minute of ours, before there are two
 DAY = 86400
 
 
@@ -59,13 +63,18 @@ class Display:
         return [red[column::width] for column in range(width)]
 
 
-def cell(columns, place, shift):
+def cell(columns, place, shift=0):
     at = DIGITS_AT[place] + shift
     return columns[at:at + DIGIT_WIDTH]
 
 
 def is_empty(columns):
     return len({value for column in columns for value in column}) == 1
+
+
+def has_tens(columns):
+    """Whether the hour has two digits."""
+    return not is_empty(cell(columns, 0)[:-GAP])
 
 
 def difference(one, other):
@@ -86,7 +95,7 @@ class Clock:
         self.display = Display()
         self.window = window
         self.shapes = {}  # of each digit, all that were seen
-        self.seen = set()  # (place, digit)
+        self.seen = set()  # (whether the hour has two digits, place, digit)
 
     def picture(self):
         return self.display.reds(self.window, TIME_BOX)
@@ -95,20 +104,19 @@ class Clock:
         """The field stands at this time of day."""
         picture = self.picture()
         for place, digit in enumerate(spoken(seconds)):
-            shape = cell(picture, place, 0)
-            if is_empty(shape):
+            if place == 0 and not has_tens(picture):
                 continue
-            self.seen.add((place, digit))
+            shape = cell(picture, place)
+            self.seen.add((has_tens(picture), place, digit))
             known = self.shapes.setdefault(digit, [])
             if shape not in known:
                 known.append(shape)
 
     def knows_all(self):
-        return self.seen >= {(place, digit) for place in TEACHERS for digit in "0123456789"}
+        return self.seen >= set(itertools.product((False, True), TEACHERS, "0123456789"))
 
     def digit(self, picture, place):
-        # Before ten o'clock nothing stands there.
-        if place == 0 and is_empty(cell(picture, place, 0)):
+        if place == 0 and not has_tens(picture):
             return "0"
 
         def unlikeness(one):

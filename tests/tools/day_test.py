@@ -62,6 +62,15 @@ class StreamTest(unittest.TestCase):
                 times.take(stream[at:at + length])
             self.assertEqual((times.solutions, times.newest), (50, 49), length)
 
+    def test_spectra_are_counted_in_any_cuts(self):
+        spectrum = b"\xb5\x62\x0a\x31" + struct.pack("<H", 548) + bytes(550)
+        stream = b"".join(spectrum + solution(1000 * number) for number in range(50))
+        for length in (1, 3, 7, 40, 1000):
+            times = clients.Times(speed=24)
+            for at in range(0, len(stream), length):
+                times.take(stream[at:at + length])
+            self.assertEqual((times.spectra, times.solutions), (50, 50), length)
+
 
 class DigitsTest(unittest.TestCase):
     def clock(self):
@@ -83,29 +92,32 @@ class DigitsTest(unittest.TestCase):
         clock.show = show
         return clock
 
-    def test_a_time_that_was_never_shown_before_is_read(self):
+    def learned(self, begin=35_400, end=36_600):
+        """One that has seen these seconds of the day: ten minutes before and after ten o'clock."""
         clock = self.clock()
-        for number in range(10):
-            clock.show(number * 1.1)
-            clock.learn(number * 1.1)
+        for tenths in range(begin * 10, end * 10, 61):
+            clock.show(tenths / 10)
+            clock.learn(tenths / 10)
+        return clock
+
+    def test_a_time_that_was_never_shown_before_is_read(self):
+        clock = self.learned()
         self.assertTrue(clock.knows_all())
         clock.show(23 * 3600 + 45 * 60 + 6.789)
         self.assertTrue(clock.reads(23 * 3600 + 45 * 60 + 6.789))
         self.assertFalse(clock.reads(23 * 3600 + 45 * 60 + 6.788))
 
     def test_a_time_before_ten_o_clock_has_one_digit_less(self):
-        clock = self.clock()
-        for number in range(10):
-            clock.show(36_000 + number * 1.1)
-            clock.learn(36_000 + number * 1.1)
+        clock = self.learned()
         clock.show(9 * 3600 + 45 * 60 + 6.789)
         self.assertTrue(clock.reads(9 * 3600 + 45 * 60 + 6.789))
 
+    def test_hours_of_one_digit_or_of_two_alone_teach_too_little(self):
+        self.assertFalse(self.learned(end=36_000).knows_all())
+        self.assertFalse(self.learned(begin=36_000).knows_all())
+
     def test_what_is_no_digit_is_not_read(self):
-        clock = self.clock()
-        for number in range(10):
-            clock.show(number * 1.1)
-            clock.learn(number * 1.1)
+        clock = self.learned()
         clock.picture = lambda: [bytes([128]) * screen.TIME_BOX[3]] * 200
         with self.assertRaises(screen.Unreadable):
             clock.read()
