@@ -174,6 +174,7 @@ class Scene(unittest.TestCase):
             return self.picture() == before
         self.assertTrue(self.has_page(), "no page")
         self.assertTrue(await_result(is_still), "the page goes on")
+        self.assertTrue(self.has_page(), "the page has gone")
 
     # --- Ends
 
