@@ -5,6 +5,7 @@ FOLDER holds the programs as they are built.
 """
 
 import os
+import pathlib
 import signal
 import socket
 import struct
@@ -147,6 +148,35 @@ class ServerTest(Scene):
             for _ in range(2 * MIB_AT_MOST):
                 pushing.sendall(piece)
             self.assertLess(resident_kib(server) / 1024, MIB_AT_MOST)
+        server.terminate()
+        self.assert_ends(server)
+
+    @staticmethod
+    def unsent(port, peer):
+        """Bytes that the system holds for the peer of a server because that does not read."""
+        ends = f"0100007F:{port:04X} 0100007F:{peer.getsockname()[1]:04X}"
+        for line in pathlib.Path("/proc/net/tcp").read_text(encoding="ascii").splitlines():
+            if ends in line:
+                return int(line.split()[4].split(":")[0], 16)
+        return 0
+
+    def test_a_client_that_reads_nothing_keeps_nobody_waiting(self):
+        self.simulate(*FAST, "--speed", "20")
+        server, port = self.serve()
+        program = self.open_client(f"127.0.0.1:{port}")
+        self.assert_page_lives()
+        with socket.socket() as deaf:
+            deaf.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 1)  # the least that there is
+            deaf.connect(("127.0.0.1", port))
+
+            def is_full():
+                before = self.unsent(port, deaf)
+                time.sleep(STILL_SECONDS)
+                return self.unsent(port, deaf) == before != 0
+            self.assertTrue(await_result(is_full), "it still takes more")
+            self.assert_page_lives()
+        self.close()
+        self.assert_ends(program)
         server.terminate()
         self.assert_ends(server)
 
