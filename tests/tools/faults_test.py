@@ -16,15 +16,27 @@ SERVER_PORT = '"Server port" = dword 4711'
 STORED = f"{KEY}\n{SERVER_PORT}\n"
 BESIDE = ["registry", "registry.lock"]
 KILLS = 5
+COPIES = 5
 # In the window, while it has no page.
 PORT_BOX = (25, 33)
 ABOUT = (350, 10)
 
 
-class SettingsTest(Scene):
+class Storage(Scene):
     def names(self):
         return sorted(path.name for path in self.settings.parent.iterdir())
 
+    def assert_whole(self):
+        text = self.settings.read_text(encoding="utf-8")
+        self.assertTrue(text.endswith("\n"), text)
+        names = [line.split(" = ")[0] for line in text.splitlines() if " = " in line]
+        self.assertEqual(sorted(names), sorted(set(names)))
+        self.assertIn('"Server port" = dword 4003\n', text)
+        self.assertIn('"Window - Size - Horizontal" = dword', text)
+        self.assertEqual(self.names(), BESIDE)
+
+
+class SettingsTest(Storage):
     def test_settings_survive_a_disk_without_room(self):
         def without_room():
             # A limit on the size of files refuses a write like a full disk, and needs no disk.
@@ -75,13 +87,10 @@ class SettingsTest(Scene):
             self.close(len(programs))
             for program in programs:
                 self.assert_ends(program)
-            text = self.settings.read_text(encoding="utf-8")
-            self.assertTrue(text.endswith("\n"))
-            self.assertEqual(text.count('"Server port" = dword 4003\n'), 1)
-            self.assertEqual(self.names(), BESIDE)
+            self.assert_whole()
 
 
-class DisplayTest(Scene):
+class DisplayTest(Storage):
     def open_display(self):
         """A display that only this test knows."""
         ends = os.pipe()
@@ -121,6 +130,16 @@ class DisplayTest(Scene):
                 self.assertTrue(await_result(lambda: len(self.all_windows()) > closed), "nothing opens")
                 display.kill()
                 self.assert_ends(program)
+
+    def test_copies_that_end_at_the_same_moment_leave_whole_settings(self):
+        for _ in range(3):
+            display = self.open_display()
+            programs = [self.start(PROGRAM) for _ in range(COPIES)]
+            self.assertTrue(await_result(lambda: len(self.windows()) == COPIES), "a window is missing")
+            display.kill()
+            for program in programs:
+                self.assert_ends(program)
+            self.assert_whole()
 
     def test_outlives_a_write_that_nobody_reads(self):
         program = self.start(PROGRAM)
