@@ -46,7 +46,8 @@ struct commControl {
 };
 
 // Opens a port for reading and writing, for this caller alone where the system can say so. commNone when
-// there is no such port, it is in use, or the name has a separator of paths in it.
+// there is no such port, it is in use, or the name has a separator of paths in it. What came before is
+// dropped: the far end of a virtual port goes on sending while nobody has it open.
 commHandle commOpen(std::string_view name);
 
 // Drops what was received and not read, ends a write that waits, and ends the handle. What the driver has

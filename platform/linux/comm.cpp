@@ -120,6 +120,7 @@ commHandle commOpen(std::string_view name)
         GiveBack(*port);
         return commNone;
     }
+    commLineFlush(port->Line.Get(), false);
     return Lines().Add(port);
 }
 

@@ -112,6 +112,7 @@ commHandle commOpen(std::string_view name)
     DCB block = {};
     if (!readState(port->File.Get(), block) || !setTimeouts(port->File.Get()))
         return commNone;
+    PurgeComm(port->File.Get(), PURGE_RXCLEAR);
     return lines().Add(port);
 }
 

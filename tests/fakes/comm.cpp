@@ -102,6 +102,7 @@ commHandle commOpen(std::string_view name)
     if (!port.There || port.Taken)
         return commNone;
     port.Taken = true;
+    port.Arrived.clear();
     ports().Handles[++ports().Last] = {found->first, port.Plugged};
     return ports().Last;
 }

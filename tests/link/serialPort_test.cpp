@@ -286,8 +286,8 @@ TEST_F(serialPortTest, LooksAtAnIdlePortEvery10Ms)
 TEST_F(serialPortTest, DropsWhatNobodyTakes)
 {
     Port.onData = nullptr;
-    fakePortReceive("COM5", "gone");
     ASSERT_TRUE(Port.Open());
+    fakePortReceive("COM5", "gone");
     EXPECT_TRUE(await([] { return fakeCallCount("commRead") == 1; }));
 }
 

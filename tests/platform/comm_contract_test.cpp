@@ -1,4 +1,5 @@
 #include "platform/comm.h"
+#include "platform/thread.h"
 
 #include "tests/platform/commTest.h"
 
@@ -123,6 +124,23 @@ TEST_F(commContract, DropsWhatWasNotReadWhenItIsClosed)
     contractLineSend("new");
     ASSERT_TRUE(AwaitReceived(3));
     EXPECT_EQ(Read(100), "new");
+}
+
+// What is sent may take a while to the port, so that it comes after the opening: then more time is left.
+TEST_F(commContract, DropsWhatCameWhileItWasClosed)
+{
+    std::string read;
+    for (uint32_t pause = 50; pause < 2000 && read != "new"; pause *= 2) {
+        commClose(Port);
+        contractLineSend("old");
+        threadSleep(pause);
+        Port = commOpen(contractPort());
+        ASSERT_NE(Port, commNone);
+        contractLineSend("new");
+        ASSERT_TRUE(AwaitReceived(3));
+        read = Read(100);
+    }
+    EXPECT_EQ(read, "new");
 }
 
 TEST_F(commContract, IsHarmlessOnceClosed)

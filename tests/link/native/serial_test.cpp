@@ -95,6 +95,23 @@ TEST_F(serialTest, RecognisesReceiversOfEachProtocol)
     }
 }
 
+// It spoke into a port that nobody had open, and one message of it would decide.
+TEST_F(serialTest, HearsNothingOfTheReceiverThatWasThereBefore)
+{
+    gnssComm link;
+    link.PortSet(contractPort());
+    {
+        const farEnd before(simModel::Acutime);
+        ASSERT_TRUE(link.Start());
+        EXPECT_TRUE(AwaitModel(link, 3));
+        link.Stop();
+        threadSleep(1200);
+    }
+    const farEnd receiver(simModel::NMEA);
+    ASSERT_TRUE(link.Start());
+    EXPECT_TRUE(AwaitModel(link, 1));
+}
+
 TEST_F(serialTest, StopsWithin300MsAtAnyMomentAndLeavesNothing)
 {
     const farEnd receiver(simModel::M9);
