@@ -6,11 +6,16 @@ FOLDER holds the programs as they are built.
 
 import os
 import pathlib
+import pty
+import select
 import signal
 import socket
 import struct
 import subprocess
+import termios
+import threading
 import time
+import tty
 
 import frames
 import results
@@ -24,11 +29,49 @@ CONNECT_FROM_RIGHT = 30
 CONNECT_FROM_TOP = 35
 CUT_SECONDS = 10
 
+# In what tcgetattr() gives.
+CONTROL, IN_SPEED, OUT_SPEED = 2, 4, 5
+
 
 def speed_of_line(baud):
     """CFG-PRT of the first line: 8 bits, no parity, all protocols."""
     body = struct.pack("<BBHIIHHHH", 1, 0, 0, 0x8D0, baud, 7, 3, 0, 0)
     return frames.ubx(0x06, 0x00, body)
+
+
+class Cable:
+    """A virtual port that stays open in the program while the receiver at its other end is exchanged. Those
+    stand at 38400N1."""
+
+    def __init__(self, home, name):
+        self.ports = home / "skyreckoning"
+        self.near, self.held = pty.openpty()
+        tty.setraw(self.held)
+        (self.ports / name).symlink_to(os.ttyname(self.held))
+        self.far = None
+        self.thread = None
+
+    def plug(self, name):
+        self.unplug()
+        self.far = os.open(self.ports / name, os.O_RDWR | os.O_NOCTTY)
+        line = termios.tcgetattr(self.far)
+        line[CONTROL] = termios.CS8 | termios.CREAD | termios.CLOCAL
+        line[IN_SPEED] = line[OUT_SPEED] = termios.B38400
+        termios.tcsetattr(self.far, termios.TCSANOW, line)
+        self.thread = threading.Thread(target=self.carry, args=(self.far,))
+        self.thread.start()
+
+    def unplug(self):
+        far, self.far = self.far, None
+        if self.thread:
+            self.thread.join()
+            os.close(far)
+        self.thread = None
+
+    def carry(self, far):
+        while self.far == far:
+            for source in select.select([self.near, far], [], [], 0.1)[0]:
+                os.write(far if source == self.near else self.near, os.read(source, 4096))
 
 
 class ReceiverTest(Scene):
@@ -49,6 +92,24 @@ class ReceiverTest(Scene):
         self.press_reset()
         self.assertTrue(await_result(lambda: self.picture() != stood))
         self.assert_page_lives()
+        self.close()
+        self.assert_ends(program)
+
+    def test_another_receiver_on_the_same_cable_is_found_by_reset(self):
+        self.simulate(*FAST)
+        self.simulate("--model", "acutime", "--line", "38400N1", pty="ttyB")
+        cable = Cable(self.home, "ttyC")
+        self.addCleanup(cable.unplug)
+        cable.plug("ttyA")
+        program = self.open_port(pty="ttyC")
+        self.assert_page_lives()
+        first = self.size()
+        cable.plug("ttyB")
+        self.assert_page_stands_still()
+        self.press_reset()
+        self.assert_no_page()
+        self.assert_page_lives()
+        self.assertNotEqual(self.size(), first)
         self.close()
         self.assert_ends(program)
 

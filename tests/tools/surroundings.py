@@ -67,9 +67,9 @@ class Scene(unittest.TestCase):
         self.settings.parent.mkdir(exist_ok=True)
         self.settings.write_text("\n".join((KEY, *rows, "")), encoding="utf-8")
 
-    def simulate(self, *arguments):
-        """A receiver at the virtual port ttyA, which takes faults by say()."""
-        simulator = self.start(SIMULATOR, "--pty", "ttyA", *arguments, stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+    def simulate(self, *arguments, pty="ttyA"):
+        """A receiver at that virtual port, which takes faults by say()."""
+        simulator = self.start(SIMULATOR, "--pty", pty, *arguments, stdin=subprocess.PIPE, stdout=subprocess.PIPE)
         self.addCleanup(simulator.stdout.close)
         self.addCleanup(simulator.stdin.close)
         self.assertTrue(simulator.stdout.readline().startswith("ready"), "the simulator does not start")
@@ -80,9 +80,9 @@ class Scene(unittest.TestCase):
         simulator.stdin.write(line + "\n")
         simulator.stdin.flush()
 
-    def open_port(self, *rows):
-        """The program at the port of the simulator."""
-        self.store('"Connection" = text "Serial port"', '"Serial port" = text "ttyA"', *rows)
+    def open_port(self, *rows, pty="ttyA"):
+        """The program at a virtual port."""
+        self.store('"Connection" = text "Serial port"', f'"Serial port" = text "{pty}"', *rows)
         return self.start(PROGRAM)
 
     def open_client(self, address, *before):
