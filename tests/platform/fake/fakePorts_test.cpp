@@ -86,8 +86,8 @@ TEST_F(fakePorts, KeepWhatTheDriverHas)
     fakePortQueues("COM5", {100, 200});
     fakePortModem("COM5", commCTS);
     fakePortUnsent("COM5", 17);
-    fakePortReceive("COM5", "abc");
     const commHandle port = commOpen("COM5");
+    fakePortReceive("COM5", "abc");
     commControl control;
     commQueue queue;
     commLevel level;
