@@ -29,8 +29,8 @@ protected:
         Program.OpenAt(Device->Port());
         Program.SetServerPort(port);
         ASSERT_TRUE(comes([&] { return Program.Shows(modelName, "UBX"); })) << Program.Status();
-        ASSERT_TRUE(clickOn(Program.Form->ServerButton));
-        ASSERT_TRUE(comes([&] { return Program.Form->Server.ListeningPort() == port; }));
+        ASSERT_TRUE(clickUntil(Program.Form->ServerButton,
+                               [&] { return Program.Form->Server.ListeningPort() == port; }));
     }
     void Watch(uint16_t port)
     {
@@ -116,8 +116,8 @@ TEST_F(networkUi, ClientsAreCounted)
     }
     EXPECT_TRUE(comes([&] { return Clients() == "1 client"; })) << Clients();
 
-    ASSERT_TRUE(clickOn(Program.Form->ServerButton));
-    EXPECT_TRUE(comes([&] { return !Program.Form->ServerButton->Checked(); }));
+    ASSERT_TRUE(
+        clickUntil(Program.Form->ServerButton, [&] { return !Program.Form->ServerButton->Checked(); }));
     EXPECT_EQ(Clients(), "");
     EXPECT_TRUE(Program.Form->PortBox->IsEnabled());
     EXPECT_TRUE(comes([&] { return Second.Form->Page == nullptr && Connection() == "Connecting"; }));
@@ -192,8 +192,7 @@ TEST_F(networkUi, AServerWhosePortIsTakenSaysSoAndLetsGo)
     Program.OpenAt(Device->Port());
     Program.SetServerPort(taken.Port());
     ASSERT_TRUE(comes([&] { return Program.Shows(modelName, "UBX"); })) << Program.Status();
-    ASSERT_TRUE(clickOn(Program.Form->ServerButton));
-    EXPECT_TRUE(comes([&] { return !Boxes.Titles().empty(); }));
+    ASSERT_TRUE(clickUntil(Program.Form->ServerButton, [&] { return !Boxes.Titles().empty(); }));
     EXPECT_THAT(Boxes.Titles(), ElementsAre("Connection failure"));
     EXPECT_FALSE(Program.Form->ServerButton->Checked());
     EXPECT_FALSE(Program.Form->ServerOnSetting.Value);
@@ -236,8 +235,7 @@ TEST_F(networkUi, ConnectLetsGoAtOnceWithoutAnAddress)
         ++presses;
         handler();
     };
-    ASSERT_TRUE(clickOn(Second.Form->ConnectButton));
-    ASSERT_TRUE(comes([&] { return presses == 1; }));
+    ASSERT_TRUE(clickUntil(Second.Form->ConnectButton, [&] { return presses == 1; }));
     EXPECT_FALSE(Second.Form->ConnectButton->Checked());
     EXPECT_EQ(Connection(), "Connect");
     EXPECT_TRUE(Second.Form->AddressEdit->IsEnabled());
@@ -247,13 +245,12 @@ TEST_F(networkUi, AnAddressIsTypedAndTheConnectionTakenBack)
 {
     const otherHost server;
     Second.OpenClient("");
-    ASSERT_TRUE(clickOn(Second.Form->AddressEdit));
-    ASSERT_TRUE(comes([&] { return Second.Form->AddressEdit->HasFocus(); }));
+    ASSERT_TRUE(clickUntil(Second.Form->AddressEdit, [&] { return Second.Form->AddressEdit->HasFocus(); }));
     typeText("127.0.0.1:" + std::to_string(server.Port()));
     pressKey(keyEnter);
     EXPECT_TRUE(comes([&] { return Connection() == "Disconnect"; })) << Connection();
-    ASSERT_TRUE(clickOn(Second.Form->ConnectButton));
-    EXPECT_TRUE(comes([&] { return Connection() == "Connect"; })) << Connection();
+    ASSERT_TRUE(clickUntil(Second.Form->ConnectButton, [&] { return Connection() == "Connect"; }))
+        << Connection();
     EXPECT_TRUE(Second.Form->AddressEdit->IsEnabled());
     EXPECT_THAT(Boxes.Titles(), IsEmpty());
 }

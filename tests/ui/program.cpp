@@ -227,12 +227,13 @@ bool chooseRow(const ctrlComboBox* box, size_t row)
             list = window->HasFlag(ctrlTool) && window->HasState(stateVisible) ? window : list;
         return list != nullptr;
     };
-    if (!clickOn(box) || !comes(isOpen))
+    if (!clickUntil(box, isOpen))
         return false;
     const ctrlLife life(list);
     const auto height = static_cast<int32_t>(list->Height() / box->Rows.size());
     letPass();
-    return clickAt(list, 10, static_cast<int32_t>(row) * height + height / 2) && comes([&] { return !life; });
+    const auto clickRow = [&] { return clickAt(list, 10, static_cast<int32_t>(row) * height + height / 2); };
+    return doUntil(clickRow, [&] { return !life; });
 }
 
 void typeText(std::string_view text)

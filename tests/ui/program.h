@@ -6,6 +6,7 @@
 #include "forms/gnssUI.h"
 #include "foundations/settings/settingsReg.h"
 #include "tests/forms/openForm.h"
+#include "tests/ui/road.h"
 #include "toolkit/ctrlButton.h"
 #include "toolkit/ctrlComboBox.h"
 #include "toolkit/ctrlEdit_Val.h"
@@ -100,6 +101,14 @@ windowArea areaOnScreen(const ctrlWindow* control);
 bool clickOn(const ctrlWindow* control);
 bool chooseRow(const ctrlComboBox* box, size_t row);  // opens its list, and runs the interface meanwhile
 bool clickAt(const ctrlWindow* control, int32_t x, int32_t y);  // in it
+
+// Does what is to have that effect. Wine on a busy machine loses a click now and then, and gets another; a
+// desktop gets one.
+template <class Action, class Condition>
+bool doUntil(const Action& act, const Condition& isSo);
+template <class Condition>
+bool clickUntil(const ctrlWindow* control, const Condition& isSo);
+
 void typeText(std::string_view text);
 void pressKey(uint32_t key);
 
@@ -113,4 +122,21 @@ bool comes(const Condition& isSo, std::chrono::milliseconds limit)
         letPass();
     }
     return true;
+}
+
+template <class Action, class Condition>
+bool doUntil(const Action& act, const Condition& isSo)
+{
+    const int attempts = road::BearsHaste() ? 1 : 3;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        if (act() && comes(isSo))
+            return true;
+    }
+    return false;
+}
+
+template <class Condition>
+bool clickUntil(const ctrlWindow* control, const Condition& isSo)
+{
+    return doUntil([control] { return clickOn(control); }, isSo);
 }

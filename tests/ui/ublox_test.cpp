@@ -33,18 +33,6 @@ protected:
     }
     gnss::UI* Page() const { return Program.Form->Page; }
 
-    // Wine on a busy machine loses a click now and then, and gets another; a desktop gets one.
-    template <class Condition>
-    static bool ClickUntil(const ctrlWindow* control, const Condition& isSo)
-    {
-        const int attempts = road::BearsHaste() ? 1 : 3;
-        for (int attempt = 0; attempt < attempts; ++attempt) {
-            if (clickOn(control) && comes(isSo))
-                return true;
-        }
-        return false;
-    }
-
     // A click with the mouse on a box, and whether the receiver and the box followed.
     void ClickBox(const std::string& name, uint32_t key)
     {
@@ -52,15 +40,14 @@ protected:
         ASSERT_NE(box, nullptr) << name;
         const bool before = Device->Key(key) != 0;
         ASSERT_TRUE(comes([&] { return IsIdle() && box->Checked() == before; })) << name;
-        ASSERT_TRUE(ClickUntil(box, [&] { return (Device->Key(key) != 0) != before; })) << name;
+        ASSERT_TRUE(clickUntil(box, [&] { return (Device->Key(key) != 0) != before; })) << name;
         EXPECT_TRUE(comes([&] { return IsIdle() && box->Checked() != before; })) << name;
     }
 
     // As a user replaces what stands in an edit.
     static void TypeInto(ctrlEdit_Base* edit, std::string_view text)
     {
-        ASSERT_TRUE(clickOn(edit));
-        ASSERT_TRUE(comes([&] { return edit->HasFocus(); }));
+        ASSERT_TRUE(clickUntil(edit, [&] { return edit->HasFocus(); }));
         constexpr int Longest = 12;
         pressKey(keyEnd);
         for (int count = 0; count < Longest; ++count)
@@ -74,8 +61,10 @@ protected:
         ctrlPage* tabs = ubxParts::TabsOf(Page());
         ASSERT_TRUE(comes([&] { return tabs->TabBoxes.size() > index; }));
         const rect box = tabs->TabBoxes[index];
-        ASSERT_TRUE(clickAt(tabs, (box.Left + box.Right) / 2, (box.Top + box.Bottom) / 2));
-        ASSERT_TRUE(comes([&] { return tabs->Current == index; }));
+        const auto clickTab = [&] {
+            return clickAt(tabs, (box.Left + box.Right) / 2, (box.Top + box.Bottom) / 2);
+        };
+        ASSERT_TRUE(doUntil(clickTab, [&] { return tabs->Current == index; }));
     }
 
     uint64_t PulsesShown() const
@@ -199,8 +188,7 @@ TEST_F(ubloxUi, TheHistoryOfThePulseGrowsWhilePulsesComeAndKeepsThreeHundred)
 TEST_F(ubloxUi, ResetStartsTheReceiverAnewAndRecognisesItAgain)
 {
     ASSERT_NO_FATAL_FAILURE(Begin(simModel::M9, "u-blox 9/M9"));
-    ASSERT_TRUE(clickOn(Program.Form->ResetButton));
-    ASSERT_TRUE(comes([&] { return Program.Form->Page == nullptr; }));
+    ASSERT_TRUE(clickUntil(Program.Form->ResetButton, [&] { return Program.Form->Page == nullptr; }));
     EXPECT_EQ(Program.Protocol(), "---");
     EXPECT_EQ(Device->Asked(Config, ConfigReset), 1U);
     EXPECT_TRUE(comes([&] { return Program.Shows("u-blox 9/M9", "UBX"); })) << Program.Status();
@@ -214,13 +202,15 @@ TEST_F(ubloxUi, ResetMayBePressedAgainByAHandThatRests)
         return std::pair(area.Left, area.Top);
     };
     const std::pair<int32_t, int32_t> before = place();
-    ASSERT_TRUE(clickOn(Program.Form->ResetButton));
-    ASSERT_TRUE(comes([&] { return Program.Form->Page == nullptr; }));
+    ASSERT_TRUE(clickUntil(Program.Form->ResetButton, [&] { return Program.Form->Page == nullptr; }));
     ASSERT_TRUE(comes([&] { return Program.Form->ResetButton && place() == before; }));
     ASSERT_TRUE(comes([&] { return Program.Shows("u-blox 9/M9", "UBX"); })) << Program.Status();
-    screenPress(screenButton::Left);
-    screenRelease(screenButton::Left);
-    EXPECT_TRUE(comes([&] { return Program.Form->Page == nullptr; }));
+    const auto press = [] {
+        screenPress(screenButton::Left);
+        screenRelease(screenButton::Left);
+        return true;
+    };
+    EXPECT_TRUE(doUntil(press, [&] { return Program.Form->Page == nullptr; }));
 }
 
 TEST_F(ubloxUi, ResetWaitsForASendQueueThatDoesNotDrainOnlyForAMoment)
