@@ -93,6 +93,7 @@ TEST_F(mainFormTest, AStartWhileARunIsOnBeginsItAnew)
 {
     OpenAtPort();
     ASSERT_TRUE(Hear(Position, "NMEA"));
+    ASSERT_TRUE(HasHeardAll());
     fakePortReceive("COM5", Position);
     ASSERT_TRUE(await([] { return fakeQueueLength() > 0; }));
     EXPECT_TRUE(Form->Start());
@@ -105,6 +106,7 @@ TEST_F(mainFormTest, WhatAStoppedRunPostedDoesNothing)
 {
     OpenAtPort();
     ASSERT_TRUE(Hear(Position, "NMEA"));
+    ASSERT_TRUE(HasHeardAll());
     fakePortReceive("COM5", Position);
     ASSERT_TRUE(await([] { return fakeQueueLength() > 0; }));
     Form->RoleBox->ComboSelect("Network", 0);
