@@ -32,6 +32,11 @@ void ctrlWindow::ShowNative()
         system.Raise(handle);
     if (!life)
         return;
+    if (!IsShown()) {
+        // A handler hid it while it was being shown, which a system may take for the hiding of a hidden one.
+        system.Show(handle, windowShow::Hide);
+        return;
+    }
     // Marks that were set while it was hidden asked for nothing.
     if (HasState(stateDirty | stateDirtyBelow))
         AskPaint();

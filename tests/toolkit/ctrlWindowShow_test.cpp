@@ -42,6 +42,20 @@ TEST_F(ctrlWindowShowTest, AShownWindowIsRaisedAndAMinimisedOneRestored)
     EXPECT_EQ(fakeCallCount("windowShow 1 5"), 0U);
 }
 
+TEST_F(ctrlWindowShowTest, AWindowThatAHandlerHidesWhileItIsShownIsHidden)
+{
+    class shy : public ctrlWindow
+    {
+    public:
+        using ctrlWindow::ctrlWindow;
+        void StateChanged() override { Hide(); }
+    };
+    auto* window = new shy(nullptr, 100, 100, 200, 100, ctrlFramed);
+    window->Show();
+    EXPECT_FALSE(window->HasState(stateVisible));
+    EXPECT_FALSE(fakeWindowOf(window->Handle())->Visible);
+}
+
 TEST_F(ctrlWindowShowTest, AWindowOffEveryMonitorIsCentredWhenItIsShown)
 {
     auto* window = new ctrlWindow(nullptr, 5000, 5000, 200, 100, 0);

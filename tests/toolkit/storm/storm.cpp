@@ -10,7 +10,7 @@ leaf::leaf(storm& owner, ctrlWindow* parent, int32_t x, int32_t y, uint32_t widt
            uint32_t flags)
     : ctrlWindow(parent, x, y, width, height, flags), Storm(owner)
 {
-    Storm.All.insert(this);
+    Storm.All.push_back(this);
     OnNotify = [&owner](unsigned) {
         owner.Disturb();
         return false;
@@ -19,7 +19,7 @@ leaf::leaf(storm& owner, ctrlWindow* parent, int32_t x, int32_t y, uint32_t widt
 
 leaf::~leaf()
 {
-    Storm.All.erase(this);
+    std::erase(Storm.All, this);
 }
 
 void leaf::Layout()
@@ -50,7 +50,7 @@ void leaf::Moved()
 
 void leaf::StateChanged()
 {
-    Storm.Disturb(false);
+    Storm.Disturb();
 }
 
 void storm::Make()

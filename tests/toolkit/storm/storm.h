@@ -6,10 +6,10 @@
 #include "toolkit/ctrlWindow.h"
 
 #include <functional>
-#include <iterator>
 #include <random>
 #include <set>
 #include <utility>
+#include <vector>
 
 class storm;
 
@@ -52,12 +52,11 @@ public:
     {
         if (All.empty())
             return nullptr;
-        return *std::next(All.begin(), Below(static_cast<unsigned>(All.size())));
+        return All[Below(static_cast<unsigned>(All.size()))];
     }
 
-    // What a handler may do in the middle of anything; but the system is not asked to hide what it is just
-    // about to show.
-    void Disturb(bool hides = true)
+    // What a handler may do in the middle of anything.
+    void Disturb()
     {
         leaf* one = Any();
         if (!one || Depth > 2 || !Chance(4))
@@ -74,8 +73,7 @@ public:
             one->Move(Place(), Place(), 10 + Below(90), 10 + Below(90));
             break;
         case 3:
-            if (hides)
-                one->Hide();
+            one->Hide();
             break;
         case 4:
             one->Enable(Chance(70));
@@ -98,7 +96,8 @@ public:
     // And when nothing waits any more: all that can be seen was drawn.
     static void CheckDrawn();
 
-    std::set<leaf*> All;
+    // In the order of their making: a seed gives the same storm wherever the heap puts them.
+    std::vector<leaf*> All;
     int Depth = 0;
     int Runs = 0;  // modal ones
     std::mt19937 Random;
