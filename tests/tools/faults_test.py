@@ -11,6 +11,7 @@ import subprocess
 import time
 
 import results
+from settled import settled_size
 from surroundings import KEY, PROGRAM, Scene, await_result
 
 SERVER_PORT = '"Server port" = dword 4711'
@@ -127,6 +128,7 @@ class DisplayTest(Storage):
                 display = self.open_display()
                 program = self.start(PROGRAM)
                 window = await_result(self.windows)[0]
+                settled_size(window, self.environment)
                 closed = len(self.all_windows())
                 self.xdotool("mousemove", "--window", window, *place, "sleep", 0.2, "click", 1)
                 self.assertTrue(await_result(lambda: len(self.all_windows()) > closed), "nothing opens")
