@@ -35,6 +35,9 @@ void windowBackend::Activate(windowId window)
     if (!CanHaveFocus(record) || managed == nullptr)
         return;
     AskFocus(*managed);
+    // What is not on the screen gets none, however long it is waited for.
+    if (!managed->Visible || managed->Minimised)
+        return;
     const bool hasIt = AwaitEvents(FocusPatienceMs, [&] { return FocusHeld == managed->Id; });
     if (hasIt)
         TellFocus(window);

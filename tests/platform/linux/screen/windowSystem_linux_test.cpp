@@ -1,3 +1,4 @@
+#include "platform/clock.h"
 #include "platform/linux/screen/windowSurface.h"
 #include "tests/platform/screen/windowTest.h"
 
@@ -62,6 +63,23 @@ TEST_F(windowsOfX, GiveDrawingWhatItNeeds)
     System->Destroy(window);
     EXPECT_FALSE(windowSurfaceOf(window, surface));
     EXPECT_FALSE(windowSurfaceOf(0, surface));
+}
+
+TEST_F(windowsOfX, WaitForNoFocusWhereTheirOwnerIsHidden)
+{
+    const windowId owner = OpenAt({100, 100, 400, 300});
+    const windowId menu = OpenAt({150, 160, 200, 190}, stylePopup, owner);
+    System->Show(owner, windowShow::Hide);
+    const windowId other = OpenAt({500, 100, 700, 300});
+    ASSERT_TRUE(Until([&] { return System->Focus() == other; }));
+    const int64_t start = clockSteadyNs();
+    // Each would be waited for half a second.
+    constexpr int asked = 20;
+    for (int i = 0; i < asked; ++i)
+        System->SetFocus(menu);
+    constexpr int64_t tooLong = 5'000'000'000;
+    EXPECT_LT(clockSteadyNs() - start, tooLong);
+    EXPECT_EQ(System->Focus(), other);
 }
 
 struct box {
