@@ -57,6 +57,7 @@ TEST_F(mainFormNetworkTest, TheServerRunsWhileItsButtonIsPressedAndCountsItsClie
 {
     OpenAtPort();
     ASSERT_TRUE(Hear(Position, "NMEA"));
+    ASSERT_TRUE(HasHeardAll());
     Press(Form->ServerButton);
     EXPECT_TRUE(Form->ServerButton->Checked());
     EXPECT_FALSE(Form->PortBox->IsEnabled());
